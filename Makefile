@@ -1,0 +1,20 @@
+# Front door for building and testing; see README.md.
+.PHONY: deps test test-asan build clean
+
+deps:
+	tools/install-deps
+
+build: deps
+	cmake --preset default
+	cmake --build --preset default
+
+test: build
+	ctest --preset default
+
+test-asan: deps
+	cmake --preset asan
+	cmake --build --preset asan
+	ctest --preset asan
+
+clean:
+	rm -rf build

@@ -1,0 +1,139 @@
+#include "support/dialogs.h"
+
+#include <chrono>
+#include <memory>
+
+namespace testsupport {
+namespace {
+
+struct Watch {
+  std::function<void(GtkDialog*)> act;
+  GType type;
+  std::chrono::steady_clock::time_point deadline;
+  bool* seen;
+};
+
+GtkDialog* FindVisibleDialog(GType type) {
+  GtkDialog* found = nullptr;
+  GList* toplevels = gtk_window_list_toplevels();
+  for (GList* item = toplevels; item; item = item->next) {
+    GtkWidget* window = GTK_WIDGET(item->data);
+    if (G_TYPE_CHECK_INSTANCE_TYPE(window, type) && gtk_widget_get_visible(window) &&
+        gtk_widget_get_mapped(window)) {
+      found = GTK_DIALOG(window);
+      break;
+    }
+  }
+  g_list_free(toplevels);
+  return found;
+}
+
+gboolean PollForDialog(gpointer data) {
+  auto* watch = static_cast<Watch*>(data);
+  if (GtkDialog* dialog = FindVisibleDialog(watch->type)) {
+    if (watch->seen) *watch->seen = true;
+    watch->act(dialog);
+    delete watch;
+    return G_SOURCE_REMOVE;
+  }
+  if (std::chrono::steady_clock::now() > watch->deadline) {
+    delete watch;
+    return G_SOURCE_REMOVE;
+  }
+  return G_SOURCE_CONTINUE;
+}
+
+void CollectButtons(GtkWidget* widget, std::vector<std::string>& out) {
+  if (GTK_IS_BUTTON(widget)) {
+    if (const char* label = gtk_button_get_label(GTK_BUTTON(widget))) out.emplace_back(label);
+    return;
+  }
+  if (GTK_IS_CONTAINER(widget)) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+    for (GList* c = children; c; c = c->next) CollectButtons(GTK_WIDGET(c->data), out);
+    g_list_free(children);
+  }
+}
+
+std::string FindIconName(GtkWidget* widget) {
+  if (GTK_IS_IMAGE(widget)) {
+    const char* name = nullptr;
+    gtk_image_get_icon_name(GTK_IMAGE(widget), &name, nullptr);
+    return name ? name : "";
+  }
+  std::string result;
+  if (GTK_IS_CONTAINER(widget)) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+    for (GList* c = children; c && result.empty(); c = c->next) result = FindIconName(GTK_WIDGET(c->data));
+    g_list_free(children);
+  }
+  return result;
+}
+
+}  // namespace
+
+void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type, int timeoutMs, bool* seen) {
+  if (seen) *seen = false;
+  auto* watch = new Watch{std::move(act), type,
+                          std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs), seen};
+  g_timeout_add(20, PollForDialog, watch);
+}
+
+std::vector<std::string> CollectLabelTexts(GtkWidget* widget) {
+  std::vector<std::string> texts;
+  if (GTK_IS_LABEL(widget)) {
+    texts.emplace_back(gtk_label_get_text(GTK_LABEL(widget)));
+  } else if (GTK_IS_CONTAINER(widget)) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+    for (GList* c = children; c; c = c->next) {
+      auto inner = CollectLabelTexts(GTK_WIDGET(c->data));
+      texts.insert(texts.end(), inner.begin(), inner.end());
+    }
+    g_list_free(children);
+  }
+  return texts;
+}
+
+void AnswerNextDialog(int response, DialogRecord* record) {
+  WhenDialogAppears([response, record](GtkDialog* dialog) {
+    if (record) {
+      record->seen = true;
+      const char* title = gtk_window_get_title(GTK_WINDOW(dialog));
+      record->title = title ? title : "";
+      GtkWidget* content = gtk_dialog_get_content_area(dialog);
+      std::string joined;
+      for (const auto& t : CollectLabelTexts(content)) joined += (joined.empty() ? "" : "\n") + t;
+      record->text = joined;
+      record->iconName = FindIconName(content);
+      record->buttons.clear();
+      CollectButtons(gtk_dialog_get_action_area(dialog), record->buttons);
+    }
+    gtk_dialog_response(dialog, response);
+  });
+}
+
+void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen, std::string* suggestedName) {
+  WhenDialogAppears(
+      [path, suggestedName](GtkDialog* dialog) {
+        GtkFileChooser* chooser = GTK_FILE_CHOOSER(dialog);
+        if (suggestedName) {
+          gchar* name = gtk_file_chooser_get_current_name(chooser);
+          *suggestedName = name ? name : "";
+          g_free(name);
+        }
+        if (path.empty()) {
+          gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
+          return;
+        }
+        gtk_file_chooser_set_current_folder(chooser, path.parent_path().c_str());
+        gtk_file_chooser_set_current_name(chooser, path.filename().c_str());
+        gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
+      },
+      GTK_TYPE_FILE_CHOOSER_DIALOG, 10000, seen);
+}
+
+void DrainEvents() {
+  while (gtk_events_pending()) gtk_main_iteration_do(FALSE);
+}
+
+}  // namespace testsupport
