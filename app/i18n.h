@@ -1,0 +1,10 @@
+#pragma once
+// Every user-visible text is looked up in the "appshelf" catalogue when shown.
+#include <libintl.h>
+
+#include <string>
+
+inline const char* _(const char* text) { return gettext(text); }
+
+// A translated message with its one "%s" replaced by value.
+std::string FormatMessage(const char* translatedFormat, const std::string& value);
