@@ -1,0 +1,109 @@
+#include "host/client_version.h"
+
+#include <sys/utsname.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <mutex>
+#include <regex>
+#include <vector>
+
+#include "host/install_root.h"
+#include "host/os_identity.h"
+
+namespace {
+
+// A version file's first line is read into 256 bytes, so longer values never
+// occur; refusing them also bounds the regex matcher's recursion.
+constexpr size_t kMaxVersionLength = 255;
+
+// Callers never release ToWideString buffers; holding them here keeps them
+// reachable instead of reported as leaks.
+void KeepForProcessLifetime(wchar_t* buffer) {
+  static std::mutex* guard = new std::mutex;
+  static auto* kept = new std::vector<wchar_t*>;
+  std::lock_guard<std::mutex> lock(*guard);
+  kept->push_back(buffer);
+}
+
+std::wstring ToWideCopy(const char* text) { return std::wstring(ToWideString(text)); }
+
+std::string ReadVersionFileFirstLine() {
+  std::ifstream in(FindInstallRoot() + "/pkginf/Ver.core." + PlatformFolderName());
+  if (!in) return "";
+  char line[256] = {};
+  // An overlong first line is cut; the fail state that leaves is cleared.
+  in.getline(line, sizeof(line));
+  in.clear();
+  return line;
+}
+
+}  // namespace
+
+std::string ParseVersionLine(const std::string& firstLine) {
+  size_t equals = firstLine.find('=');
+  if (equals == std::string::npos) return "";
+  std::string value = firstLine.substr(equals + 1);
+  if (value.size() > kMaxVersionLength) return "";
+  static const std::regex kFourNumbers("([0-9]+\\.){3}[0-9]+", std::regex::ECMAScript);
+  return std::regex_match(value, kFourNumbers) ? value : "";
+}
+
+std::wstring GetClientVersion() {
+  std::string version = ParseVersionLine(ReadVersionFileFirstLine());
+  return version.empty() ? std::wstring() : ToWideCopy(version.c_str());
+}
+
+std::wstring GetKernelRelease() {
+  utsname names{};
+  if (uname(&names) != 0) return L"";
+  return ToWideCopy(names.release);
+}
+
+std::wstring GetOsFamilyName() { return L"Linux"; }
+
+wchar_t* ToWideString(const char* text) {
+  if (text == nullptr) text = "";
+  size_t length = mbstowcs(nullptr, text, 0);
+  bool convertible = length != static_cast<size_t>(-1);
+  if (!convertible) {
+    std::fputs("error", stdout);
+    length = 0;
+  }
+  auto* wide = new wchar_t[length + 1]();
+  KeepForProcessLifetime(wide);
+  // The same text fails the conversion too; say so again, as a real attempt would.
+  if (!convertible || mbstowcs(wide, text, length + 1) == static_cast<size_t>(-1))
+    std::fputs("error", stdout);
+  return wide;
+}
+
+std::string ToNarrowString(const wchar_t* text) {
+  if (text == nullptr) return "";
+  std::string narrow;
+  for (; *text != L'\0'; ++text) narrow += static_cast<char>(*text & 0xFF);
+  return narrow;
+}
+
+std::string ToNarrowString(const std::wstring& text) { return ToNarrowString(text.c_str()); }
+
+std::string BuildClientIdentity() {
+  std::wstring identity = L"NorvexBeacon";
+  std::wstring version = GetClientVersion();
+  if (!version.empty()) identity += L"/" + version;
+  identity += L" " + GetOsFamilyName();
+  std::wstring release = GetKernelRelease();
+  if (!release.empty()) identity += L"/" + release;
+  identity += L" ";
+  std::string os = GetOsIdentification(&kDefaultOsQueryLimits);
+  if (!os.empty()) identity += ToWideCopy(os.c_str()) + L" ";
+  identity += L"Q7Class NDCCapable";
+  return ToNarrowString(identity);
+}
+
+std::string BuildProductToken(const std::string& name) {
+  std::string version = ToNarrowString(GetClientVersion());
+  std::string separator = version.empty() ? "" : "/";
+  return (name.empty() ? "NDC" : name) + separator + version;
+}
