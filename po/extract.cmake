@@ -14,7 +14,7 @@ list(SORT code)
 list(SORT windows)
 
 set(common --force-po --from-code=UTF-8 --add-comments=TRANSLATORS: --add-location=file
-    --package-name=norvex-logcollection --package-version=${VERSION}
+    --copyright-holder=Norvex --package-name=norvex-logcollection --package-version=${VERSION}
     --msgid-bugs-address=support@norvex.example --output=${OUTPUT})
 
 # The code pass creates the template; the window pass joins it, so an empty
