@@ -1,0 +1,38 @@
+// Collect existing logs: reports plus what the client already wrote, archived
+// and offered for saving in one go.
+#include "app/app.h"
+#include "app/constants.h"
+#include "app/i18n.h"
+
+namespace {
+
+void ShowSavedAsView(App& app) {
+  gtk_widget_hide(app.collectExistingText);
+  gtk_label_set_text(GTK_LABEL(app.stopText), _("Click \"View saved logs\" to view the recently saved logs."));
+  gtk_button_set_label(GTK_BUTTON(app.saveButton), _("View saved logs"));
+  gtk_widget_show(app.saveButton);
+  app.saveButtonIsView = 1;
+}
+
+}  // namespace
+
+void App::CollectExistingLogs(GtkWidget* window) {
+  CollectDiagnostics(logsFolder);
+  // The diagnostics step has just copied the install root's configuration onto
+  // issueClientLogCopy, so the archive carries it under "ORBClient.log".
+  FileList files{existingKeywardLog, existingClientLogCopy, existingSystemInfo,
+                 issueClientLogCopy, existingEnvdumpReport, existingDesklineCheckReport};
+  FindActivityAndKvlogs(files, logsFolder);
+  const int result = CreateArchive(files, existingArchive.string());
+  if (result == 0) {
+    if (!SaveArchiveDialog(existingArchive, std::string(constants::kExistingArchiveName), window)) return;
+    if (saveButtonIsView == 0) ShowSavedAsView(*this);
+    ShowLastSaved();
+  } else if (result == 1) {
+    // Names the file, not the folder as the issue flow does.
+    ShowError(window, FormatMessage(_("No files found at \"%s\".\nUnable to create the tar archive."),
+                                    existingClientLogCopy.string()));
+  } else {
+    ShowError(window, _("Failed to save the log file archive. Please try again."));
+  }
+}

@@ -1,0 +1,64 @@
+// Issue reproduction: start raises every log class and points the client's log
+// into the issue folder; stop puts both back and archives what was written.
+#include "app/app.h"
+#include "app/i18n.h"
+#include "logclient/logclient.h"
+
+void App::ToggleIssueReproduction(GtkWidget* window) {
+  if (collecting == 1)
+    StopIssueReproduction(window);
+  else
+    StartIssueReproduction(window);
+}
+
+void App::StartIssueReproduction(GtkWidget* window) {
+  EnableKvlog();
+  if (saveButtonIsView == 1) {
+    gtk_button_set_label(GTK_BUTTON(saveButton), _("Save logs"));
+    saveButtonIsView = 0;
+  }
+  if (!IssueReproduceFolderExists() && !CreateIssueReproduceFolder()) {
+    ShowError(window, FormatMessage(_("Failed to create the log file folder at \"%s\".\nPlease check the folder "
+                                      "permisions and try again."),
+                                    issueFolder.string()));
+    return;
+  }
+  // A new run overwrites the staged logs and the archive of the last one.
+  if (RecentLogsExist() &&
+      AskToContinue(window, _("Are you sure you want to continue? Your recent logs will be overwritten.")) !=
+          GTK_RESPONSE_ACCEPT)
+    return;
+  CollectDiagnostics(issueFolder);
+  StageKeywardLog();
+  StageClientLog();
+  RaiseAllLogLevels();
+  ShowCollectingState();
+  collecting = 1;
+}
+
+void App::StopIssueReproduction(GtkWidget* window) {
+  CopyActivityLogsToIssueFolder();
+  CopyKvlogsToIssueFolder();
+  DisableKvlog();
+  // Every class gets class 0's former level, whatever it had before the run.
+  SetAllLogLevels(savedLogLevel);
+  log_set_shared_path(existingClientLog.c_str());
+
+  FileList files{issueKeywardLog,   issueClientLog,     issueSystemInfo,
+                 keywardConfigCopy, issueEnvdumpReport, issueDesklineCheckReport};
+  FindActivityAndKvlogs(files, issueFolder);
+  const int result = CreateArchive(files, issueArchive.string());
+  if (result == 0) {
+    ShowIdleState(0);
+    gtk_label_set_text(GTK_LABEL(stopText), _("Click \"Save logs\" to save the logs to the desired location."));
+    collecting = 2;
+    return;
+  }
+  if (result == 1)
+    ShowError(window, FormatMessage(_("No files found at \"%s\".\nUnable to create the tar archive."),
+                                    issueFolder.string()));
+  else
+    ShowError(window, _("Failed to save the log file archive. Please try again."));
+  ShowIdleState(result);
+  collecting = 0;
+}

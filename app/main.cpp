@@ -1,0 +1,37 @@
+// Entry of logmgr: refuse a second copy, bind the catalogue, run the window.
+#include <clocale>
+#include <string>
+
+#include "app/app.h"
+#include "app/constants.h"
+#include "app/i18n.h"
+#include "host/install_root.h"
+#include "host/lock.h"
+
+namespace {
+
+App& TheApp() {
+  static App app;
+  return app;
+}
+
+// Handlers reach the object through gApp, so it must exist before main runs.
+[[maybe_unused]] const bool kAppBuilt = (gApp = &TheApp(), true);
+
+}  // namespace
+
+int main() {
+  // Checked before any toolkit or locale call: a refused start never touches the display.
+  const std::string programName(constants::kProgramShortName);
+  if (EnsureSingleInstance(programName)) return 0;
+
+  const std::string translationFolder = FindInstallRoot() + "/nls";
+  setlocale(LC_ALL, "");
+  const std::string domain(constants::kTextDomain);
+  bindtextdomain(domain.c_str(), translationFolder.c_str());
+  bind_textdomain_codeset(domain.c_str(), "UTF-8");
+  textdomain(domain.c_str());
+
+  gApp->Run();
+  return 0;
+}
