@@ -1,0 +1,121 @@
+// Initialising the library: identity, system log, configuration area and the
+// link to logd; and taking it all down again.
+#include "logclient/client_link.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "logclient/config_area.h"
+#include "logclient/logclient.h"
+#include "logclient/text_field.h"
+#include "logclient/wire_format.h"
+
+namespace logclient {
+
+ClientState g_client;
+
+ScopedIgnoreSigpipe::ScopedIgnoreSigpipe() {
+  struct sigaction ignore {};
+  ignore.sa_handler = SIG_IGN;
+  sigemptyset(&ignore.sa_mask);
+  sigaction(SIGPIPE, &ignore, &old_);
+}
+
+ScopedIgnoreSigpipe::~ScopedIgnoreSigpipe() { sigaction(SIGPIPE, &old_, nullptr); }
+
+int ConnectUnixSocket(const char* path, bool* connected) {
+  *connected = false;
+  int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (fd < 0) return -1;
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  FillTextField(address.sun_path, path, sizeof address.sun_path);
+  *connected = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  return fd;
+}
+
+void TakeLinkDown() {
+  int fd = g_client.linkFd.exchange(-1);
+  if (fd < 0) return;
+  shutdown(fd, SHUT_RDWR);
+  close(fd);
+}
+
+namespace {
+
+void SetIdentity() {
+  static constexpr char kPrefix[] = "norvex-";
+  char* identity = g_client.identity;
+  memcpy(identity, kPrefix, sizeof kPrefix);
+  const char* name = program_invocation_short_name;
+  if (name != nullptr)
+    strncat(identity, name, kIdentitySize - sizeof kPrefix);  // leaves room for the NUL
+  g_client.clientField = 0;
+}
+
+bool SendHello(int fd) {
+  using namespace wire;
+  unsigned char message[kHeaderSize + kHelloFixedSize + kIdentitySize];
+  size_t identityLength = strlen(g_client.identity) + 1;
+  size_t bodyLength = kHelloFixedSize + identityLength;
+  PutHeader(message, bodyLength, kTypeHello);
+  PutU16(message + kHeaderSize, g_client.clientField);
+  memcpy(message + kHeaderSize + kHelloFixedSize, g_client.identity, identityLength);
+  ssize_t written = write(fd, message, kHeaderSize + bodyLength);
+  return written == static_cast<ssize_t>(kHeaderSize + bodyLength);
+}
+
+void ConnectToLogd() {
+  // A logd that goes away between connect and hello must not kill the host.
+  ScopedIgnoreSigpipe guard;
+  bool connected = false;
+  int fd = ConnectUnixSocket(log_socket_path(), &connected);
+  if (!connected) return;
+  if (!SendHello(fd)) {
+    close(fd);
+    return;
+  }
+  g_client.linkFd.store(fd);
+}
+
+}  // namespace
+}  // namespace logclient
+
+using logclient::g_client;
+
+extern "C" {
+
+int log_client_init(void) {
+  if (!g_client.initialised.load(std::memory_order_acquire)) {
+    logclient::SetIdentity();
+    logclient::MapConfigArea();
+    openlog(g_client.identity, LOG_PID | LOG_CONS, LOG_USER);
+    setlogmask(0x7F);
+    g_client.syslogOpen = true;
+    logclient::ConnectToLogd();
+    g_client.initialised.store(true, std::memory_order_release);
+  }
+  bool linkDown = g_client.linkFd.load() < 0;
+  if (linkDown) syslog(LOG_ERR, "Failed to connect with logd.");
+  if (g_client.syslogOpen) return 1;
+  if (linkDown) return 0;
+  return logclient::g_area != nullptr ? 1 : 0;
+}
+
+void log_client_shutdown(void) {
+  if (!g_client.initialised.load(std::memory_order_acquire)) return;
+  logclient::TakeLinkDown();
+  if (g_client.syslogOpen) {
+    closelog();
+    g_client.syslogOpen = false;
+  }
+  logclient::UnmapConfigArea();
+  g_client.initialised.store(false, std::memory_order_release);
+}
+
+}  // extern "C"
