@@ -18,3 +18,13 @@ test-asan: deps
 
 clean:
 	rm -rf build
+
+# Builds, installs into a demo client root under build/default and starts the
+# utility there (needs a desktop session).
+.PHONY: run package
+run:
+	tools/run-demo
+
+# The Debian package, written to build/default.
+package: build
+	cmake --build --preset default --target package
