@@ -1,0 +1,81 @@
+#include "host/client_version.h"
+
+#include <gtest/gtest.h>
+#include <sys/utsname.h>
+
+#include <clocale>
+
+#include "host/install_root.h"
+#include "support/fake_root.h"
+#include "support/files.h"
+#include "support/temp_dir.h"
+
+using testsupport::ScopedEnv;
+using testsupport::TempDir;
+
+// A fake install root found through ORBROOT, with the version file written per case.
+class ClientVersion : public ::testing::Test {
+ protected:
+  void SetUp() override { testsupport::MakeFakeInstallRoot(root.path()); }
+  void WriteVersionFile(const std::string& content) {
+    testsupport::WriteFile(root / ("pkginf/Ver.core." + PlatformFolderName()), content);
+  }
+  TempDir root;
+  ScopedEnv orbRoot{"ORBROOT", root.str().c_str()};
+};
+
+TEST_F(ClientVersion, FourNumbersOnTheFirstLine) {
+  WriteVersionFile("VERSION=23.9.0.1\nOTHER=1\n");
+  EXPECT_EQ(GetClientVersion(), L"23.9.0.1");
+  EXPECT_EQ(BuildProductToken("Beacon"), "Beacon/23.9.0.1");
+  EXPECT_EQ(BuildProductToken(""), "NDC/23.9.0.1");
+}
+
+TEST_F(ClientVersion, AnythingButAWholeFourPartValueIsRefused) {
+  for (const char* content :
+       {"23.9.0.1\n", "VERSION=23.9.0\n", "VERSION=23.9.0.1 \n", "VERSION=23.9.0.1\r\n",
+        "VERSION=v23.9.0.1\n", "VERSION=23.9.0.1.5\n", "VERSION=\n", "NAME=x\nVERSION=23.9.0.1\n",
+        ""}) {
+    WriteVersionFile(content);
+    EXPECT_EQ(GetClientVersion(), L"") << content;
+  }
+  EXPECT_EQ(ParseVersionLine("A=B=1.2.3.4"), "");
+  EXPECT_EQ(ParseVersionLine("=1.2.3.4"), "1.2.3.4");
+}
+
+TEST_F(ClientVersion, OverlongFirstLineIsCutAndStillUsed) {
+  std::string digits(300, '4');
+  WriteVersionFile("V=1.2.3." + digits + "\n");
+  std::string cut = "1.2.3." + digits.substr(0, 255 - 8);
+  EXPECT_EQ(ToNarrowString(GetClientVersion()), cut);
+}
+
+TEST_F(ClientVersion, IdentityLineNamesVersionKernelAndSystem) {
+  utsname names{};
+  ASSERT_EQ(uname(&names), 0);
+  EXPECT_EQ(ToNarrowString(GetKernelRelease()), names.release);
+  TempDir bin;
+  testsupport::LinkSystemTools(bin.path(), {"cut"});
+  testsupport::WriteScript(bin / "lsb_release", "printf 'Description:\\tUbuntu 22.04.3 LTS\\n'");
+  ScopedEnv path("PATH", bin.str().c_str());
+  WriteVersionFile("VERSION=23.9.0.1\n");
+  EXPECT_EQ(BuildClientIdentity(), std::string("NorvexBeacon/23.9.0.1 Linux/") + names.release +
+                                       " Ubuntu-22.04.3-LTS Q7Class NDCCapable");
+  WriteVersionFile("");
+  EXPECT_EQ(BuildClientIdentity().rfind("NorvexBeacon Linux/", 0), 0u);
+  EXPECT_EQ(BuildProductToken(""), "NDC");
+}
+
+TEST(WideText, ConvertsInTheLocaleAndCutsToEightBits) {
+  std::string previous = setlocale(LC_CTYPE, nullptr);
+  ASSERT_NE(setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  wchar_t* wide = ToWideString("caf\xc3\xa9");
+  EXPECT_EQ(std::wstring(wide), L"caf\u00e9");
+  EXPECT_EQ(ToNarrowString(wide), "caf\xe9");
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(std::wstring(ToWideString("bad\xff")), L"");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "errorerror");
+  setlocale(LC_CTYPE, previous.c_str());
+  EXPECT_EQ(ToNarrowString(static_cast<const wchar_t*>(nullptr)), "");
+  EXPECT_EQ(GetOsFamilyName(), L"Linux");
+}
