@@ -106,7 +106,10 @@ void AnswerNextDialog(int response, DialogRecord* record) {
       record->text = joined;
       record->iconName = FindIconName(content);
       record->buttons.clear();
+      // The action area is the only place GTK 3 keeps the buttons in order.
+      G_GNUC_BEGIN_IGNORE_DEPRECATIONS
       CollectButtons(gtk_dialog_get_action_area(dialog), record->buttons);
+      G_GNUC_END_IGNORE_DEPRECATIONS
     }
     gtk_dialog_response(dialog, response);
   });
