@@ -1,0 +1,125 @@
+// The logd stream decoder over hand-built bytes, and logd-peer's handling of
+// clients that send garbage.
+#include "tools/logd_peer/decoder.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <string>
+
+#include "logd_peer_process.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+using logd::DecodeMessage;
+using logd::DecodeStatus;
+
+std::string U16(uint16_t value) { return std::string(reinterpret_cast<char*>(&value), 2); }
+std::string U32(uint32_t value) { return std::string(reinterpret_cast<char*>(&value), 4); }
+
+std::string Hello(const std::string& identity) {
+  return U16(static_cast<uint16_t>(identity.size() + 3)) + U16(2) + U16(0) + identity + '\0';
+}
+
+std::string Record(uint16_t level, uint16_t logClass, const std::string& text) {
+  std::string body = U16(level) + U16(logClass) + U16(4321) + U32(1700000000) + U32(42) + text + '\0';
+  return U16(static_cast<uint16_t>(body.size())) + U16(1) + body;
+}
+
+logd::Decoded Decode(const std::string& bytes) {
+  return DecodeMessage(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+}
+
+TEST(LogdDecoder, DecodesMessagesOnlyOnceComplete) {
+  std::string stream = Hello("norvex-collector") + Record(4, 12, "disk\nfull");
+  size_t helloSize = Hello("norvex-collector").size();
+  for (size_t cut = 0; cut < helloSize; ++cut)
+    EXPECT_EQ(DecodeStatus::kIncomplete, Decode(stream.substr(0, cut)).status) << cut;
+
+  logd::Decoded hello = Decode(stream);
+  ASSERT_EQ(DecodeStatus::kHello, hello.status);
+  EXPECT_EQ(helloSize, hello.consumed);
+  EXPECT_EQ("hello norvex-collector client=0", logd::DescribeMessage(hello));
+
+  std::string rest = stream.substr(helloSize);
+  EXPECT_EQ(DecodeStatus::kIncomplete, Decode(rest.substr(0, rest.size() - 1)).status);
+  logd::Decoded record = Decode(rest);
+  ASSERT_EQ(DecodeStatus::kRecord, record.status);
+  EXPECT_EQ(rest.size(), record.consumed);
+  EXPECT_EQ(4321, record.record.threadId);
+  EXPECT_EQ("record level=4 class=12 tid=4321 time=1700000000.000042 text=disk\\nfull",
+            logd::DescribeMessage(record));
+}
+
+TEST(LogdDecoder, RejectsInconsistentMessages) {
+  std::string goodRecord = Record(3, 1, "abc");
+  std::string unterminated = goodRecord;
+  unterminated.back() = 'x';
+  std::string innerNul = goodRecord;
+  innerNul[4 + 14 + 1] = '\0';
+  std::string hugeHello = U16(300) + U16(2) + std::string(300, 'a');
+  const std::string cases[] = {
+      U16(5) + U16(3) + std::string(5, 'a'),   // unknown type
+      U16(10) + U16(1) + std::string(10, 'a'), // record shorter than its fixed fields
+      U16(9000) + U16(1),                      // record longer than any text allows
+      hugeHello,
+      unterminated,
+      innerNul,
+      Record(0, 1, "level zero"),
+      Record(7, 1, "level seven"),
+  };
+  for (const std::string& bytes : cases) {
+    logd::Decoded result = Decode(bytes);
+    EXPECT_EQ(DecodeStatus::kMalformed, result.status) << result.problem;
+    EXPECT_FALSE(result.problem.empty());
+    EXPECT_EQ(0u, result.consumed);
+  }
+}
+
+int ConnectTo(const std::string& path) {
+  int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+  if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    close(fd);
+    return -1;
+  }
+  return fd;
+}
+
+TEST(LogdPeer, DropsABadClientAndServesTheOthers) {
+  testsupport::TempDir folder;
+  std::string socketPath = (folder / "sock").string();
+  logclient_test::LogdPeerProcess peer(socketPath, folder.path());
+  ASSERT_TRUE(peer.listening());
+  int good = ConnectTo(socketPath);
+  int bad = ConnectTo(socketPath);
+  ASSERT_GE(good, 0);
+  ASSERT_GE(bad, 0);
+  std::string garbage = U16(4) + U16(9) + "oops";
+  ASSERT_EQ(static_cast<ssize_t>(garbage.size()), write(bad, garbage.data(), garbage.size()));
+  char byte;
+  EXPECT_EQ(0, read(bad, &byte, 1)) << "the peer hangs up on the bad client";
+  // A good client's message split over two writes still comes out whole.
+  std::string stream = Hello("norvex-good") + Record(2, 5, "fine");
+  ASSERT_EQ(7, write(good, stream.data(), 7));
+  ASSERT_EQ(static_cast<ssize_t>(stream.size() - 7), write(good, stream.data() + 7, stream.size() - 7));
+  auto lines = peer.WaitForLines(2);
+  close(good);
+  close(bad);
+  ASSERT_EQ(2u, lines.size());
+  EXPECT_EQ("hello norvex-good client=0", lines[0]);
+  EXPECT_NE(std::string::npos, peer.Errors().find("unknown message type 9"));
+
+  int status = peer.Stop();
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_FALSE(std::filesystem::exists(socketPath)) << "the socket is removed on SIGTERM";
+}
+
+}  // namespace

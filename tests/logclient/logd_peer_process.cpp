@@ -1,0 +1,102 @@
+#include "logd_peer_process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <sstream>
+#include <thread>
+
+#include "support/files.h"
+
+namespace logclient_test {
+namespace {
+
+constexpr auto kPatience = std::chrono::seconds(10);
+
+void RedirectTo(const std::filesystem::path& file, int target) {
+  int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  if (fd >= 0) dup2(fd, target);
+}
+
+// Polls cond every 10 ms until it holds or patience runs out.
+template <typename Condition>
+bool WaitUntil(Condition cond) {
+  auto deadline = std::chrono::steady_clock::now() + kPatience;
+  while (!cond()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string SocketPathFor(const std::string& home) { return home + "//.ORBClient/.nvxndclogsocket"; }
+
+LogdPeerProcess::LogdPeerProcess(const std::string& socketPath,
+                                 const std::filesystem::path& outputFolder)
+    : out_(outputFolder / "peer.out"), err_(outputFolder / "peer.err") {
+  std::filesystem::create_directories(std::filesystem::path(socketPath).parent_path());
+  std::filesystem::create_directories(outputFolder);
+  pid_ = fork();
+  if (pid_ == 0) {
+    RedirectTo(out_, STDOUT_FILENO);
+    RedirectTo(err_, STDERR_FILENO);
+    execl(LOGD_PEER_PATH, "logd-peer", socketPath.c_str(), static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  listening_ = pid_ > 0 && WaitUntil([&] { return std::filesystem::exists(socketPath); });
+}
+
+LogdPeerProcess::~LogdPeerProcess() { Stop(); }
+
+int LogdPeerProcess::Stop() {
+  if (pid_ <= 0) return -1;
+  kill(pid_, SIGTERM);
+  int status = -1;
+  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+  }
+  pid_ = -1;
+  return status;
+}
+
+std::vector<std::string> LogdPeerProcess::Lines() const {
+  std::vector<std::string> lines;
+  std::istringstream text(testsupport::ReadFile(out_));
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
+  return lines;
+}
+
+std::vector<std::string> LogdPeerProcess::WaitForLines(size_t count) const {
+  WaitUntil([&] { return Lines().size() >= count; });
+  return Lines();
+}
+
+std::optional<std::vector<std::string>> LogdPeerProcess::LinesBefore(
+    const std::string& text) const {
+  std::vector<std::string> lines;
+  auto endsWithText = [&](const std::string& line) {
+    return line.size() >= text.size() && line.compare(line.size() - text.size(), text.size(), text) == 0;
+  };
+  bool seen = WaitUntil([&] {
+    lines = Lines();
+    for (size_t i = 0; i < lines.size(); ++i) {
+      if (endsWithText(lines[i])) {
+        lines.resize(i);
+        return true;
+      }
+    }
+    return false;
+  });
+  if (!seen) return std::nullopt;
+  return lines;
+}
+
+std::string LogdPeerProcess::Errors() const { return testsupport::ReadFile(err_); }
+
+}  // namespace logclient_test
+

@@ -1,0 +1,240 @@
+// The logd link and record writer, observed from the receiving end: raw
+// bytes on a socket of the test's own, and lines printed by logd-peer.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "forked.h"
+#include "logclient/logclient.h"
+#include "logd_peer_process.h"
+#include "support/files.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using logclient_test::LogdPeerProcess;
+using logclient_test::SocketPathFor;
+using testsupport::TempDir;
+
+struct RecordLine {
+  int level = -1;
+  int logClass = -1;
+  long tid = -1;
+  long seconds = -1;
+  std::string text;
+};
+
+RecordLine ParseRecord(const std::string& line) {
+  static const std::regex kRecord(
+      R"(record level=(\d+) class=(\d+) tid=(\d+) time=(\d+)\.\d{6} text=(.*))");
+  std::smatch match;
+  RecordLine record;
+  if (!std::regex_match(line, match, kRecord)) return record;
+  record.level = std::stoi(match[1]);
+  record.logClass = std::stoi(match[2]);
+  record.tid = std::stol(match[3]);
+  record.seconds = std::stol(match[4]);
+  record.text = match[5];
+  return record;
+}
+
+std::vector<std::string> Texts(const std::vector<std::string>& lines) {
+  std::vector<std::string> texts;
+  for (const std::string& line : lines) texts.push_back(ParseRecord(line).text);
+  return texts;
+}
+
+// Writes one record of every level 0..7 to logClass, texts "L0".."L7".
+void WriteEveryLevel(int logClass) {
+  for (int level = 0; level <= 7; ++level)
+    log_write_class(logClass, level, "test", "levels", level, "L%d", level);
+}
+
+class RecordLink : public ::testing::Test {
+ protected:
+  TempDir home;
+  std::string socketPath = SocketPathFor(home.str());
+};
+
+TEST_F(RecordLink, HelloAndRecordBytesOnTheWire) {
+  fs::create_directories(home / ".ORBClient");
+  int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  strcpy(address.sun_path, socketPath.c_str());
+  ASSERT_EQ(0, bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address));
+  ASSERT_EQ(0, listen(listener, 4));
+  timeval before{};
+  gettimeofday(&before, nullptr);
+  std::string tidFile = (home / "tid").string();
+  EXPECT_FORKED_PASS(home.str(), [&] {
+    prctl(PR_SET_NAME, "rawtest");
+    ASSERT_EQ(1, log_client_init());
+    log_write_class(12, LOG_LEVEL_FATAL, "test", "raw", 1, "raw %d", 42);
+    testsupport::WriteFile(tidFile, std::to_string(gettid()));
+  });
+  int connection = accept(listener, nullptr, nullptr);
+  ASSERT_GE(connection, 0);
+  std::string bytes;
+  char chunk[512];
+  for (ssize_t got; (got = read(connection, chunk, sizeof chunk)) > 0;) bytes.append(chunk, got);
+  close(connection);
+  close(listener);
+
+  const std::string identity = "norvex-logclient_tests";
+  std::string hello = std::string("\x19\x00\x02\x00\x00\x00", 6) + identity + '\0';
+  ASSERT_GE(bytes.size(), hello.size());
+  EXPECT_EQ(hello, bytes.substr(0, hello.size()));
+
+  std::string record = bytes.substr(hello.size());
+  const std::string text = "[rawtest]: raw 42";
+  ASSERT_EQ(4 + 14 + text.size() + 1, record.size());
+  EXPECT_EQ(std::string("\x20\x00\x01\x00\x05\x00\x0c\x00", 8), record.substr(0, 8));
+  uint16_t tid = 0;
+  uint32_t seconds = 0, micros = 0;
+  memcpy(&tid, record.data() + 8, 2);
+  memcpy(&seconds, record.data() + 10, 4);
+  memcpy(&micros, record.data() + 14, 4);
+  EXPECT_EQ(static_cast<uint16_t>(std::stol(testsupport::ReadFile(tidFile))), tid);
+  EXPECT_GE(seconds, static_cast<uint32_t>(before.tv_sec));
+  EXPECT_LE(seconds, static_cast<uint32_t>(time(nullptr)));
+  EXPECT_LT(micros, 1000000u);
+  EXPECT_EQ(text + '\0', record.substr(18));
+}
+
+TEST_F(RecordLink, LevelFilterFollowsTheClassLevels) {
+  LogdPeerProcess peer(socketPath, home.path());
+  ASSERT_TRUE(peer.listening());
+  EXPECT_FORKED_PASS(home.str(), [] {
+    ASSERT_EQ(1, log_client_init());
+    log_clear_flags(LOG_FLAG_THREAD_NAME);
+    log_set_class_level(12, LOG_LEVEL_ERROR);
+    WriteEveryLevel(12);
+    log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end-error");
+    log_set_class_level(12, LOG_LEVEL_NONE);
+    WriteEveryLevel(12);
+    log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end-none");
+    // No class resolves once the root inherits from nothing.
+    log_set_class_level(12, LOG_LEVEL_INHERIT);
+    log_set_class_level(0, LOG_LEVEL_INHERIT);
+    WriteEveryLevel(12);
+    log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end-unresolved");
+    // Unclassed messages are not filtered, but only take levels 1..5.
+    log_set_class_level(0, LOG_LEVEL_NONE);
+    for (int level = 0; level <= 7; ++level) log_write(level, "test", "plain", 0, "U%d", level);
+    log_write(LOG_LEVEL_ERROR, nullptr, "plain", 0, "no origin");
+    log_write_class(0, LOG_LEVEL_AOL, "test", nullptr, 0, "no origin");
+    log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end");
+  });
+  auto lines = peer.LinesBefore("text=end");
+  ASSERT_TRUE(lines.has_value()) << peer.Errors();
+  std::vector<std::string> expected = {
+      "L4", "L5", "L6", "end-error", "L6", "end-none", "L6", "end-unresolved",
+      "U1", "U2", "U3", "U4", "U5"};
+  lines->erase(lines->begin());  // the hello
+  EXPECT_EQ(expected, Texts(*lines));
+  EXPECT_EQ(0, ParseRecord(lines->back()).logClass) << "unclassed records carry class 0";
+}
+
+TEST_F(RecordLink, ThreadNamePrefixAndLongTexts) {
+  LogdPeerProcess peer(socketPath, home.path());
+  ASSERT_TRUE(peer.listening());
+  EXPECT_FORKED_PASS(home.str(), [] {
+    prctl(PR_SET_NAME, "worker-7");
+    ASSERT_EQ(1, log_client_init());
+    log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "named %s", "line");
+    std::string longText(9000, 'x');
+    log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "%s", longText.c_str());
+    log_clear_flags(LOG_FLAG_THREAD_NAME);
+    log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "%s", longText.c_str());
+    log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "bare\nline");
+  });
+  auto lines = peer.WaitForLines(5);
+  ASSERT_EQ(5u, lines.size()) << peer.Errors();
+  EXPECT_EQ("[worker-7]: named line", ParseRecord(lines[1]).text);
+  EXPECT_EQ("[worker-7]: " + std::string(8191 - 12, 'x'), ParseRecord(lines[2]).text);
+  EXPECT_EQ(std::string(8191, 'x'), ParseRecord(lines[3]).text);
+  EXPECT_EQ("bare\\nline", ParseRecord(lines[4]).text);
+}
+
+TEST_F(RecordLink, LinkStaysDownAfterThePeerGoes) {
+  EXPECT_FORKED_PASS(home.str(), [&] {
+    signal(SIGPIPE, SIG_IGN);  // the writer must tolerate SIGPIPE itself
+    LogdPeerProcess first(socketPath, home.path() / "first");
+    ASSERT_TRUE(first.listening());
+    log_socket_path();  // the mode probe leaves a socket of its own open
+    int socketsBefore = logclient_test::OpenSocketCount();
+    ASSERT_EQ(1, log_client_init());
+    EXPECT_EQ(socketsBefore + 1, logclient_test::OpenSocketCount());
+    log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "before");
+    ASSERT_EQ(2u, first.WaitForLines(2).size());
+    first.Stop();
+    log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "lost");
+    EXPECT_EQ(socketsBefore, logclient_test::OpenSocketCount()) << "the socket is closed";
+
+    LogdPeerProcess second(socketPath, home.path() / "second");
+    ASSERT_TRUE(second.listening());
+    log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "to the system log");
+    log_write(LOG_LEVEL_ERROR, "test", "down", 0, "unclassed to the system log");
+    EXPECT_EQ(1, log_client_init());
+    second.Stop();
+    EXPECT_EQ("", testsupport::ReadFile(home.path() / "second/peer.out")) << "no reconnection";
+  });
+}
+
+TEST_F(RecordLink, SecondProgramSaysHelloWithItsIdentityCut) {
+  LogdPeerProcess peer(socketPath, home.path());
+  ASSERT_TRUE(peer.listening());
+  testsupport::ScopedEnv homeForProbe("HOME", home.str().c_str());
+  fs::path longName = home / "probe_with_a_rather_long_program_name";
+  fs::create_symlink(LOGCLIENT_PROBE_PATH, longName);
+  testsupport::RunAndCapture(longName.string() + " write from-probe");
+  auto lines = peer.WaitForLines(2);
+  ASSERT_EQ(2u, lines.size()) << peer.Errors();
+  std::string identity = "norvex-probe_with_a_rather_long";
+  ASSERT_EQ(31u, identity.size());
+  EXPECT_EQ("hello " + identity + " client=0", lines[0]);
+  RecordLine record = ParseRecord(lines[1]);
+  EXPECT_EQ(LOG_LEVEL_AOL, record.level);
+  EXPECT_EQ("[" + longName.filename().string().substr(0, 15) + "]: from-probe", record.text);
+}
+
+// The test process itself initialises the library. Its paths stay cached
+// for the rest of the process, so this suite's file is linked last.
+TEST(RecordFromTestProcess, TestProcessAndItsForkedChildShareTheLink) {
+  TempDir home;
+  testsupport::ScopedEnv scopedHome("HOME", home.str().c_str());
+  LogdPeerProcess peer(SocketPathFor(home.str()), home.path());
+  ASSERT_TRUE(peer.listening());
+  ASSERT_EQ(1, log_client_init());
+  log_write_class(7, LOG_LEVEL_FATAL, "test", "self", 0, "from the test process");
+  std::string childTidFile = (home / "tid").string();
+  EXPECT_FORKED_PASS("", [&] {
+    log_write_class(7, LOG_LEVEL_FATAL, "test", "child", 0, "from a forked child");
+    testsupport::WriteFile(childTidFile, std::to_string(gettid()));
+  });
+  auto lines = peer.WaitForLines(3);
+  log_client_shutdown();
+  ASSERT_EQ(3u, lines.size()) << peer.Errors();
+  EXPECT_EQ("hello norvex-logclient_tests client=0", lines[0]);
+  RecordLine own = ParseRecord(lines[1]);
+  RecordLine child = ParseRecord(lines[2]);
+  EXPECT_EQ(static_cast<uint16_t>(gettid()), own.tid);
+  EXPECT_EQ(static_cast<uint16_t>(std::stol(testsupport::ReadFile(childTidFile))), child.tid);
+  EXPECT_EQ(7, child.logClass);
+  EXPECT_EQ(LOG_LEVEL_FATAL, child.level);
+  EXPECT_EQ("[logclient_tests]: from a forked child", child.text);
+}
+
+}  // namespace
