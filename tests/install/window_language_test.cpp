@@ -1,0 +1,151 @@
+// The window, its painters and the dialogs speak the language chosen with
+// LANGUAGE when the install root carries the catalogues, and show their
+// built-in wording when it does not. Binding is done the way the entry does it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <map>
+
+#include "app/app.h"
+#include "app/constants.h"
+#include "app/i18n.h"
+#include "install/po_catalogue.h"
+#include "support/dialogs.h"
+#include "support/fake_root.h"
+#include "support/temp_dir.h"
+
+namespace installtest {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Case {
+  std::string language;
+  bool withCatalogues;
+};
+
+void PrintTo(const Case& c, std::ostream* out) {
+  *out << "LANGUAGE=" << c.language << (c.withCatalogues ? "" : ", no catalogue");
+}
+
+std::string PrintCase(const ::testing::TestParamInfo<Case>& info) {
+  return info.param.language + (info.param.withCatalogues ? "" : "WithoutCatalogue");
+}
+
+// What the window and dialogs showed, read from inside the running main loop.
+struct Shown {
+  App* app = nullptr;
+  std::string title, startStop, existing, stopText, stopping;
+  testsupport::DialogRecord question, error, chooser;
+};
+
+std::string LabelOf(GtkWidget* widget) {
+  const char* text = GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget))
+                                           : gtk_label_get_text(GTK_LABEL(widget));
+  return text ? text : "";
+}
+
+gboolean LookAtWindowAndDialogs(gpointer data) {
+  auto* shown = static_cast<Shown*>(data);
+  App& app = *shown->app;
+  GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(app.builder, "logging"));
+  shown->title = gtk_window_get_title(GTK_WINDOW(window));
+  shown->startStop = LabelOf(app.startStopButton);
+  shown->existing = LabelOf(app.existingLogButton);
+  shown->stopText = LabelOf(app.stopText);
+  app.ShowCollectingState();
+  shown->stopping = LabelOf(app.startStopButton);
+
+  testsupport::AnswerNextDialog(GTK_RESPONSE_REJECT, &shown->question);
+  app.AskToContinue(window, _("Are you sure you want to continue? Your recent logs will be overwritten."));
+  testsupport::AnswerNextDialog(GTK_RESPONSE_ACCEPT, &shown->error);
+  app.ShowError(window, FormatMessage(_("No files found at \"%s\".\nUnable to create the tar archive."), "/x"));
+  testsupport::AnswerNextDialog(GTK_RESPONSE_CANCEL, &shown->chooser);
+  app.SaveArchiveDialog(app.issueArchive, std::string(constants::kIssueArchiveName), window);
+  gtk_main_quit();
+  return G_SOURCE_REMOVE;
+}
+
+class WindowLanguage : public ::testing::TestWithParam<Case> {
+ protected:
+  void SetUp() override {
+    testsupport::MakeFakeInstallRoot(root_);
+    const fs::path source(NORVEX_SOURCE_DIR);
+    fs::copy(source / "gtk", root_ / "gtk", fs::copy_options::recursive);
+    fs::copy(source / "icons", root_ / "icons", fs::copy_options::recursive);
+    if (GetParam().withCatalogues)
+      fs::copy(fs::path(NORVEX_BINARY_DIR) / "nls", root_ / "nls", fs::copy_options::recursive);
+    catalogue_ = TranslationsOf(source / "po" / (GetParam().language + ".po"));
+    ASSERT_FALSE(catalogue_.empty());
+  }
+
+  // As the entry binds it, below whatever root the application object found.
+  static void BindCatalogue(const App& app) {
+    setlocale(LC_ALL, "");
+    const std::string domain(constants::kTextDomain);
+    bindtextdomain(domain.c_str(), (app.installRoot.string() + "/nls").c_str());
+    bind_textdomain_codeset(domain.c_str(), "UTF-8");
+    textdomain(domain.c_str());
+  }
+
+  // The wording the user must see for a built-in text.
+  std::string Expected(const std::string& text) const {
+    if (!GetParam().withCatalogues) return text;
+    auto found = catalogue_.find(text);
+    return found == catalogue_.end() ? "(no " + GetParam().language + " entry for: " + text + ")" : found->second;
+  }
+
+  testsupport::TempDir scratch_;
+  fs::path root_ = scratch_ / "root";
+  testsupport::ScopedEnv home_{"HOME", (scratch_ / "home").c_str()};
+  testsupport::ScopedEnv orbroot_{"ORBROOT", root_.c_str()};
+  testsupport::ScopedEnv locale_{"LC_ALL", "C.UTF-8"};
+  testsupport::ScopedEnv language_{"LANGUAGE", GetParam().language.c_str()};
+  std::map<std::string, std::string> catalogue_;
+};
+
+TEST_P(WindowLanguage, WindowPaintersAndDialogsUseTheCatalogueOfTheRoot) {
+  App app;
+  ASSERT_EQ(app.installRoot, root_);
+  BindCatalogue(app);
+  Shown shown;
+  shown.app = &app;
+  g_timeout_add(100, LookAtWindowAndDialogs, &shown);
+  app.Run();
+
+  const std::string title = "Norvex Log Collection Utility";
+  // Guards against a language whose texts happen to equal the built-in ones.
+  if (GetParam().withCatalogues) {
+    ASSERT_NE(Expected(title), title);
+  }
+  EXPECT_EQ(shown.title, Expected(title));
+  EXPECT_EQ(shown.startStop, Expected("Start collecting logs"));
+  EXPECT_EQ(shown.existing, Expected("Collect existing logs"));
+  EXPECT_EQ(shown.stopText,
+            Expected("Click \"Start collecting logs\" and then reproduce the issue. This gathers the most recent logs."));
+  EXPECT_EQ(shown.stopping, Expected("Stop collecting logs"));
+
+  ASSERT_TRUE(shown.question.seen);
+  EXPECT_EQ(shown.question.title, Expected(title));
+  // The record's text also holds the button labels, after the message.
+  EXPECT_THAT(shown.question.text,
+              ::testing::StartsWith(Expected("Are you sure you want to continue? Your recent logs will be overwritten.") + "\n"));
+  EXPECT_EQ(shown.question.buttons, (std::vector<std::string>{Expected("Continue"), Expected("Close")}));
+
+  ASSERT_TRUE(shown.error.seen);
+  std::string error = Expected("No files found at \"%s\".\nUnable to create the tar archive.");
+  error.replace(error.find("%s"), 2, "/x");
+  EXPECT_THAT(shown.error.text, ::testing::StartsWith(error + "\n"));
+  EXPECT_EQ(shown.error.buttons, std::vector<std::string>{Expected("OK")});
+
+  ASSERT_TRUE(shown.chooser.seen);
+  EXPECT_EQ(shown.chooser.title, Expected("Save File"));
+  EXPECT_EQ(shown.chooser.buttons, (std::vector<std::string>{Expected("Cancel"), Expected("Save")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, WindowLanguage,
+                         ::testing::Values(Case{"de", true}, Case{"fr", true}, Case{"de", false}), PrintCase);
+
+}  // namespace
+}  // namespace installtest
