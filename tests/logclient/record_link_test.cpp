@@ -8,9 +8,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -36,16 +36,11 @@ struct RecordLine {
 };
 
 RecordLine ParseRecord(const std::string& line) {
-  static const std::regex kRecord(
-      R"(record level=(\d+) class=(\d+) tid=(\d+) time=(\d+)\.\d{6} text=(.*))");
-  std::smatch match;
   RecordLine record;
-  if (!std::regex_match(line, match, kRecord)) return record;
-  record.level = std::stoi(match[1]);
-  record.logClass = std::stoi(match[2]);
-  record.tid = std::stol(match[3]);
-  record.seconds = std::stol(match[4]);
-  record.text = match[5];
+  int textStart = -1;
+  sscanf(line.c_str(), "record level=%d class=%d tid=%ld time=%ld.%*6u text=%n", &record.level,
+         &record.logClass, &record.tid, &record.seconds, &textStart);
+  if (textStart > 0) record.text = line.substr(static_cast<size_t>(textStart));
   return record;
 }
 
