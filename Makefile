@@ -28,3 +28,12 @@ run:
 # The Debian package, written to build/default.
 package: build
 	cmake --build --preset default --target package
+
+# Bounded libFuzzer runs of every fuzz target (clang); see fuzz/run.
+.PHONY: fuzz bench
+fuzz: deps
+	fuzz/run
+
+# The one benchmark report: every row a ratio against its floor.
+bench: deps
+	bench/run
