@@ -70,6 +70,32 @@ std::string FindIconName(GtkWidget* widget) {
   return result;
 }
 
+
+// The chooser changes folder asynchronously; an accept that comes before the
+// folder is shown is swallowed by its own checks, so wait for it first.
+struct PendingAccept {
+  GtkDialog* dialog;
+  std::string folder;
+  int polls = 0;
+};
+
+gboolean AcceptWhenFolderShown(gpointer data) {
+  auto* pending = static_cast<PendingAccept*>(data);
+  gchar* current = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(pending->dialog));
+  const bool shown = current && pending->folder == current;
+  g_free(current);
+  if (!shown && ++pending->polls < 250) return G_SOURCE_CONTINUE;
+  gtk_dialog_response(pending->dialog, GTK_RESPONSE_ACCEPT);
+  g_object_unref(pending->dialog);
+  delete pending;
+  return G_SOURCE_REMOVE;
+}
+
+void AcceptOnceFolderIsShown(GtkDialog* dialog, const std::filesystem::path& folder) {
+  g_object_ref(dialog);
+  g_timeout_add(20, AcceptWhenFolderShown, new PendingAccept{dialog, folder.string()});
+}
+
 }  // namespace
 
 void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type, int timeoutMs, bool* seen) {
@@ -130,7 +156,7 @@ void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen, std:
         }
         gtk_file_chooser_set_current_folder(chooser, path.parent_path().c_str());
         gtk_file_chooser_set_current_name(chooser, path.filename().c_str());
-        gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
+        AcceptOnceFolderIsShown(dialog, path.parent_path());
       },
       GTK_TYPE_FILE_CHOOSER_DIALOG, 10000, seen);
 }
