@@ -35,10 +35,17 @@ class InstallLayout : public ::testing::Test {
   testsupport::TempDir scratch_;
 };
 
-TEST_F(InstallLayout, PutsEveryFileWhereTheProgramLooksForIt) {
+TEST_F(InstallLayout, PutsEveryFileWhereTheProgramLooksForItAndNothingElsewhere) {
   const fs::path root = scratch_ / "ORBClient";
   const ShellResult install = InstallInto(root);
   ASSERT_EQ(install.status, 0) << install.output;
+  // The menu files go to absolute system paths; only the package may take them.
+  std::istringstream lines(install.output);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("-- Installing: ", 0) == 0 || line.rfind("-- Up-to-date: ", 0) == 0) {
+      EXPECT_EQ(line.compare(15, root.string().size() + 1, root.string() + "/"), 0) << line;
+    }
+  }
 
   const std::string base = root.string();
   for (std::string_view relative : {constants::kGladeFile, constants::kCssFile, constants::kSpinnerFile,
@@ -54,22 +61,6 @@ TEST_F(InstallLayout, PutsEveryFileWhereTheProgramLooksForIt) {
     EXPECT_TRUE(fs::is_regular_file(root / "nls" / lang / "LC_MESSAGES" /
                                     (std::string(constants::kTextDomain) + ".mo")))
         << lang;
-}
-
-TEST_F(InstallLayout, WritesNothingOutsideTheRoot) {
-  const fs::path root = scratch_ / "root";
-  const ShellResult install = InstallInto(root);
-  ASSERT_EQ(install.status, 0) << install.output;
-  std::istringstream lines(install.output);
-  int files = 0;
-  for (std::string line; std::getline(lines, line);) {
-    for (const std::string verb : {"-- Installing: ", "-- Up-to-date: "}) {
-      if (line.rfind(verb, 0) != 0) continue;
-      ++files;
-      EXPECT_EQ(line.compare(verb.size(), root.string().size() + 1, root.string() + "/"), 0) << line;
-    }
-  }
-  EXPECT_GT(files, 8);
 }
 
 TEST_F(InstallLayout, ProgramFindsItsLibraryAfterTheRootIsMoved) {
