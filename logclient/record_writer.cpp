@@ -15,6 +15,7 @@
 #include "logclient/client_link.h"
 #include "logclient/config_area.h"
 #include "logclient/logclient.h"
+#include "logclient/record_format.h"
 #include "logclient/wire_format.h"
 
 namespace logclient {
@@ -66,7 +67,7 @@ int SyslogPriority(int level) {
 }
 
 // Formats the text (thread-name prefix first when the area asks for it) into
-// buffer and returns its length without the NUL, cut to fit the buffer.
+// the text buffer and returns its length without the NUL, cut to fit.
 size_t FormatText(char* text, const ThreadIdentity& thread, const char* format, va_list args) {
   size_t length = 0;
   uint32_t flags = g_area != nullptr ? LoadWord(g_area->flags) : 0;
@@ -74,11 +75,7 @@ size_t FormatText(char* text, const ThreadIdentity& thread, const char* format, 
     memcpy(text, thread.prefix, thread.prefixLength);
     length = thread.prefixLength;
   }
-  int formatted = vsnprintf(text + length, wire::kTextBufferSize - length, format, args);
-  if (formatted > 0) length += static_cast<size_t>(formatted);
-  if (length > wire::kTextBufferSize - 1) length = wire::kTextBufferSize - 1;
-  text[length] = '\0';
-  return length;
+  return length + FormatRecordText(text + length, wire::kTextBufferSize - length, format, args);
 }
 
 void SendRecord(int fd, int logClass, int level, const char* format, va_list args) {

@@ -8,6 +8,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -161,6 +162,48 @@ TEST_F(RecordLink, ThreadNamePrefixAndLongTexts) {
   EXPECT_EQ("[worker-7]: " + std::string(8191 - 12, 'x'), ParseRecord(lines[2]).text);
   EXPECT_EQ(std::string(8191, 'x'), ParseRecord(lines[3]).text);
   EXPECT_EQ("bare\\nline", ParseRecord(lines[4]).text);
+}
+
+TEST_F(RecordLink, TextsAreFormattedAsPrintfWould) {
+  LogdPeerProcess peer(socketPath, home.path());
+  ASSERT_TRUE(peer.listening());
+  std::vector<std::string> expected;
+  auto expect = [&](auto... args) {
+    char text[256];
+    snprintf(text, sizeof text, args...);
+    expected.push_back(text);
+  };
+  // The writer formats common conversions itself and must agree with printf:
+  // the same cases are printed here and logged in the child.
+#define BOTH(...)                                                   \
+  if (send)                                                         \
+    log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, __VA_ARGS__); \
+  else                                                              \
+    expect(__VA_ARGS__)
+  auto cases = [&](bool send) {
+    BOTH("plain text, 100%% sure");
+    BOTH("%d %i %d %u", -42, 7, INT_MIN, 4000000000u);
+    BOTH("%ld %lld %lu %llu", LONG_MIN, LLONG_MIN, ULONG_MAX, 0ull);
+    BOTH("%zu %zd %x %X %lx", size_t{123}, ssize_t{-5}, 0xbeefu, 0xbeefu, 0xdeadbeeful);
+    const char* volatile none = nullptr;  // kept from the compiler's format checks
+    BOTH("%s|%s|%c%c", "word", none, 'o', 'k');
+    BOTH("%5d|%-4s|%.2f|%03x|%p", 42, "ab", 2.5, 7u, static_cast<void*>(nullptr));
+    BOTH("%s", "");
+  };
+  cases(false);
+  EXPECT_FORKED_PASS(home.str(), [&] {
+    ASSERT_EQ(1, log_client_init());
+    log_clear_flags(LOG_FLAG_THREAD_NAME);
+    cases(true);
+    std::string filler(8189, 'x');
+    log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, "%s%d", filler.c_str(), 12345);
+  });
+#undef BOTH
+  expected.push_back(std::string(8189, 'x') + "12");
+  auto lines = peer.WaitForLines(expected.size() + 1);
+  ASSERT_EQ(expected.size() + 1, lines.size()) << peer.Errors();
+  lines.erase(lines.begin());
+  EXPECT_EQ(expected, Texts(lines));
 }
 
 TEST_F(RecordLink, LinkStaysDownAfterThePeerGoes) {
