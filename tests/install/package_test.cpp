@@ -2,7 +2,6 @@
 // unpacks, and that its menu entry and AppStream data are valid.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -46,10 +45,13 @@ class DebianPackage : public ::testing::Test {
     EXPECT_EQ(list.status, 0) << list.output;
     std::set<std::string> files;
     std::istringstream lines(list.output);
-    const std::regex entry(R"(^[-l]\S+\s+\S+\s+\d+\s+\S+\s+\S+\s+\.(/\S+))");
-    std::smatch match;
-    for (std::string line; std::getline(lines, line);)
-      if (std::regex_search(line, match, entry)) files.insert(match[1]);
+    // mode owner size date time path [-> target]; folders are left out.
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream fields(line);
+      std::string mode, owner, size, date, time, path;
+      if (fields >> mode >> owner >> size >> date >> time >> path && mode[0] != 'd' && path.rfind("./", 0) == 0)
+        files.insert(path.substr(1));
+    }
     return files;
   }
 
@@ -103,10 +105,9 @@ TEST_F(DebianPackage, MenuEntryAndMetainfoAreValidAndPointIntoThePackage) {
   EXPECT_EQ(appstream.status, 0) << appstream.output;
 
   const std::string text = testsupport::ReadFile(desktop);
-  std::smatch exec;
-  ASSERT_TRUE(std::regex_search(text, exec, std::regex("\nExec=(\\S+)"))) << text;
-  EXPECT_EQ(exec[1], kPackageRoot + "/util/logmgr");
-  EXPECT_TRUE(fs::is_regular_file(unpacked / std::string(exec[1]).substr(1)));
+  const std::string program = kPackageRoot + "/util/logmgr";
+  EXPECT_NE(text.find("\nExec=" + program + "\n"), std::string::npos) << text;
+  EXPECT_TRUE(fs::is_regular_file(unpacked / program.substr(1)));
   EXPECT_NE(text.find("\nIcon=" + kAppId + "\n"), std::string::npos) << text;
   EXPECT_NE(testsupport::ReadFile(metainfo).find("<launchable type=\"desktop-id\">" + kAppId + ".desktop<"),
             std::string::npos);
