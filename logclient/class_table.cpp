@@ -79,37 +79,52 @@ const ClassRow kLogClassTable[kClassCount] = {
 
 }  // namespace logclient
 
-using logclient::g_area;
-using logclient::kClassCount;
-using logclient::kLevelCount;
-using logclient::kLogClassTable;
-using logclient::kLogLevelTable;
+namespace logclient {
+namespace {
+
+// Table rows are reachable only while an area is mapped, like every other
+// query of the configuration.
+const ClassRow* ClassRowOf(int logClass) {
+  if (g_area == nullptr || static_cast<unsigned>(logClass) >= kClassCount) return nullptr;
+  return &kLogClassTable[logClass];
+}
+
+const LevelRow* LevelRowOf(int level) {
+  if (g_area == nullptr || static_cast<unsigned>(level) >= kLevelCount) return nullptr;
+  return &kLogLevelTable[level];
+}
+
+}  // namespace
+}  // namespace logclient
+
+using logclient::ClassRowOf;
+using logclient::LevelRowOf;
 
 extern "C" {
 
 int log_get_class_parent(int log_class) {
-  if (g_area == nullptr || static_cast<unsigned>(log_class) >= kClassCount) return -1;
-  return kLogClassTable[log_class].parent;
+  const logclient::ClassRow* row = ClassRowOf(log_class);
+  return row != nullptr ? row->parent : -1;
 }
 
 const char* log_get_class_name(int log_class) {
-  if (g_area == nullptr || static_cast<unsigned>(log_class) >= kClassCount) return nullptr;
-  return kLogClassTable[log_class].name;
+  const logclient::ClassRow* row = ClassRowOf(log_class);
+  return row != nullptr ? row->name : nullptr;
 }
 
 const char* log_get_class_display_name(int log_class) {
-  if (g_area == nullptr || static_cast<unsigned>(log_class) >= kClassCount) return nullptr;
-  return kLogClassTable[log_class].displayName;
+  const logclient::ClassRow* row = ClassRowOf(log_class);
+  return row != nullptr ? row->displayName : nullptr;
 }
 
 const char* log_get_level_name(int level) {
-  if (g_area == nullptr || static_cast<unsigned>(level) >= kLevelCount) return nullptr;
-  return kLogLevelTable[level].name;
+  const logclient::LevelRow* row = LevelRowOf(level);
+  return row != nullptr ? row->name : nullptr;
 }
 
 const char* log_get_level_display_name(int level) {
-  if (g_area == nullptr || static_cast<unsigned>(level) >= kLevelCount) return nullptr;
-  return kLogLevelTable[level].displayName;
+  const logclient::LevelRow* row = LevelRowOf(level);
+  return row != nullptr ? row->displayName : nullptr;
 }
 
 }  // extern "C"

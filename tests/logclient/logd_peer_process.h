@@ -19,6 +19,7 @@ class LogdPeerProcess {
   LogdPeerProcess& operator=(const LogdPeerProcess&) = delete;
 
   bool listening() const { return listening_; }
+  pid_t pid() const { return pid_; }
   // Output lines so far, after waiting (up to 10 s) for at least count of them.
   std::vector<std::string> WaitForLines(size_t count) const;
   // Waits for a line that ends with text; every line before it, or nothing

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "fake_syslog.h"
 #include "forked.h"
 #include "logclient/logclient.h"
 #include "logd_peer_process.h"
@@ -223,11 +224,14 @@ TEST_F(RecordLink, LinkStaysDownAfterThePeerGoes) {
 
     LogdPeerProcess second(socketPath, home.path() / "second");
     ASSERT_TRUE(second.listening());
-    log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "to the system log");
-    log_write(LOG_LEVEL_ERROR, "test", "down", 0, "unclassed to the system log");
+    auto& calls = logclient_test::SystemLogCalls();
+    calls.clear();
+    log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "later");
     EXPECT_EQ(1, log_client_init());
     second.Stop();
     EXPECT_EQ("", testsupport::ReadFile(home.path() / "second/peer.out")) << "no reconnection";
+    std::vector<std::string> expected = {"syslog 6 later", "syslog 3 Failed to connect with logd."};
+    EXPECT_EQ(expected, calls);
   });
 }
 
@@ -246,6 +250,45 @@ TEST_F(RecordLink, SecondProgramSaysHelloWithItsIdentityCut) {
   RecordLine record = ParseRecord(lines[1]);
   EXPECT_EQ(LOG_LEVEL_AOL, record.level);
   EXPECT_EQ("[" + longName.filename().string().substr(0, 15) + "]: from-probe", record.text);
+}
+
+class SystemLog : public ::testing::Test {
+ protected:
+  TempDir home;
+  std::vector<std::string>& calls = logclient_test::SystemLogCalls();
+};
+
+TEST_F(SystemLog, TakesMessagesWhileLogdIsAway) {
+  EXPECT_FORKED_PASS(home.str(), [&] {
+    calls.clear();
+    EXPECT_EQ(1, log_client_init());
+    EXPECT_EQ(1, log_client_init());
+    for (int level = 1; level <= 6; ++level)
+      log_write_class(5, level, "test", "classed", 0, "classed %d", level);
+    for (int level = 1; level <= 5; ++level)
+      log_write(level, "test", "unclassed", 0, "unclassed %d", level);
+    log_client_shutdown();
+    std::vector<std::string> expected = {
+        "openlog norvex-logclient_tests 3 8", "setlogmask 127",
+        "syslog 3 Failed to connect with logd.", "syslog 3 Failed to connect with logd.",
+        // Class 5 inherits ERROR; an always-on message goes at LOG_INFO.
+        "syslog 3 classed 4", "syslog 1 classed 5", "syslog 6 classed 6",
+        "syslog 6 unclassed 1", "syslog 5 unclassed 2", "syslog 4 unclassed 3",
+        "syslog 3 unclassed 4", "syslog 1 unclassed 5", "closelog"};
+    EXPECT_EQ(expected, calls);
+  });
+}
+
+TEST_F(SystemLog, ConfigOpenedFirstMeansNoSystemLogOfItsOwn) {
+  EXPECT_FORKED_PASS(home.str(), [&] {
+    calls.clear();
+    ASSERT_EQ(1, log_config_open());
+    EXPECT_EQ(0, log_client_init());
+    log_write_class(5, LOG_LEVEL_FATAL, "test", "classed", 0, "nowhere");
+    log_write(LOG_LEVEL_FATAL, "test", "unclassed", 0, "nowhere");
+    std::vector<std::string> expected = {"syslog 3 Failed to connect with logd."};
+    EXPECT_EQ(expected, calls);
+  });
 }
 
 // The test process itself initialises the library. Its paths stay cached
