@@ -76,26 +76,6 @@ std::vector<std::string> LogdPeerProcess::WaitForLines(size_t count) const {
   return Lines();
 }
 
-std::optional<std::vector<std::string>> LogdPeerProcess::LinesBefore(
-    const std::string& text) const {
-  std::vector<std::string> lines;
-  auto endsWithText = [&](const std::string& line) {
-    return line.size() >= text.size() && line.compare(line.size() - text.size(), text.size(), text) == 0;
-  };
-  bool seen = WaitUntil([&] {
-    lines = Lines();
-    for (size_t i = 0; i < lines.size(); ++i) {
-      if (endsWithText(lines[i])) {
-        lines.resize(i);
-        return true;
-      }
-    }
-    return false;
-  });
-  if (!seen) return std::nullopt;
-  return lines;
-}
-
 std::string LogdPeerProcess::Errors() const { return testsupport::ReadFile(err_); }
 
 }  // namespace logclient_test

@@ -4,7 +4,6 @@
 #include <sys/types.h>
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,9 +21,6 @@ class LogdPeerProcess {
   pid_t pid() const { return pid_; }
   // Output lines so far, after waiting (up to 10 s) for at least count of them.
   std::vector<std::string> WaitForLines(size_t count) const;
-  // Waits for a line that ends with text; every line before it, or nothing
-  // when that line never came.
-  std::optional<std::vector<std::string>> LinesBefore(const std::string& text) const;
   std::string Errors() const;
   // SIGTERM and wait; the raw wait status.
   int Stop();
