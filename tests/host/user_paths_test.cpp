@@ -4,7 +4,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include <regex>
+#include <cctype>
 
 #include "support/files.h"
 #include "support/temp_dir.h"
@@ -80,8 +80,17 @@ TEST(PathText, SplitPathAtLastSlash) {
 }
 
 TEST(LocalTime, FormatsTimestampsAndRejectsOverlongText) {
-  EXPECT_TRUE(std::regex_match(GetTimestampForFileName(),
-                               std::regex(R"(\d{4}-\d\d-\d\d_\d\d_\d\d_\d\d_[+-]\d{4})")));
+  // Shape 2024-05-01_13_07_59_+0200: "9" stands for a digit, "+" for a sign.
+  std::string shape = "9999-99-99_99_99_99_+9999", stamp = GetTimestampForFileName();
+  ASSERT_EQ(stamp.size(), shape.size()) << stamp;
+  for (size_t i = 0; i < shape.size(); ++i) {
+    if (shape[i] == '9')
+      EXPECT_TRUE(isdigit(static_cast<unsigned char>(stamp[i]))) << stamp;
+    else if (shape[i] == '+')
+      EXPECT_TRUE(stamp[i] == '+' || stamp[i] == '-') << stamp;
+    else
+      EXPECT_EQ(stamp[i], shape[i]) << stamp;
+  }
   EXPECT_EQ(FormatLocalTime(std::string(300, 'x').c_str()), "");
   EXPECT_EQ(FormatLocalTime("%Y").size(), 4u);
 }
