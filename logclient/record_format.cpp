@@ -52,62 +52,59 @@ struct Arguments {
   va_list list;
 };
 
+Length ReadLength(const char*& spec) {
+  if (*spec == 'z') {
+    ++spec;
+    return Length::kSize;
+  }
+  if (*spec != 'l') return Length::kInt;
+  if (*++spec != 'l') return Length::kLong;
+  ++spec;
+  return Length::kLongLong;
+}
+
+void AppendSigned(TextSink& sink, Length length, Arguments& args) {
+  long long value = length == Length::kInt    ? va_arg(args.list, int)
+                    : length == Length::kLong ? va_arg(args.list, long)
+                    : length == Length::kSize ? static_cast<long long>(va_arg(args.list, ssize_t))
+                                              : va_arg(args.list, long long);
+  // Negated as unsigned so that the most negative value does not overflow.
+  unsigned long long magnitude = value < 0 ? 0ull - static_cast<unsigned long long>(value)
+                                           : static_cast<unsigned long long>(value);
+  AppendUnsigned(sink, magnitude, 10, false, value < 0);
+}
+
+void AppendUnsignedArgument(TextSink& sink, char conversion, Length length, Arguments& args) {
+  unsigned long long value = length == Length::kInt    ? va_arg(args.list, unsigned)
+                             : length == Length::kLong ? va_arg(args.list, unsigned long)
+                             : length == Length::kSize ? va_arg(args.list, size_t)
+                                                       : va_arg(args.list, unsigned long long);
+  AppendUnsigned(sink, value, conversion == 'u' ? 10 : 16, conversion == 'X', false);
+}
+
 // One conversion after its "%"; false for anything this formatter leaves to
 // vsnprintf (flags, width, precision, floating point, ...).
 bool AppendConversion(TextSink& sink, const char*& spec, Arguments& args) {
-  Length length = Length::kInt;
-  if (*spec == 'l') {
-    ++spec;
-    length = Length::kLong;
-    if (*spec == 'l') {
-      ++spec;
-      length = Length::kLongLong;
-    }
-  } else if (*spec == 'z') {
-    ++spec;
-    length = Length::kSize;
-  }
+  Length length = ReadLength(spec);
   char conversion = *spec++;
-  switch (conversion) {
-    case 'd':
-    case 'i': {
-      long long value = length == Length::kInt      ? va_arg(args.list, int)
-                        : length == Length::kLong   ? va_arg(args.list, long)
-                        : length == Length::kSize   ? static_cast<long long>(va_arg(args.list, ssize_t))
-                                                    : va_arg(args.list, long long);
-      unsigned long long magnitude =
-          value < 0 ? 0ull - static_cast<unsigned long long>(value) : static_cast<unsigned long long>(value);
-      AppendUnsigned(sink, magnitude, 10, false, value < 0);
-      return true;
-    }
-    case 'u':
-    case 'x':
-    case 'X': {
-      unsigned long long value = length == Length::kInt      ? va_arg(args.list, unsigned)
-                                 : length == Length::kLong   ? va_arg(args.list, unsigned long)
-                                 : length == Length::kSize   ? va_arg(args.list, size_t)
-                                                             : va_arg(args.list, unsigned long long);
-      AppendUnsigned(sink, value, conversion == 'u' ? 10 : 16, conversion == 'X', false);
-      return true;
-    }
-    case 's': {
-      if (length != Length::kInt) return false;
-      const char* text = va_arg(args.list, const char*);
-      if (text == nullptr) text = "(null)";
-      sink.Append(text, strlen(text));
-      return true;
-    }
-    case 'c':
-      if (length != Length::kInt) return false;
-      sink.Append(static_cast<char>(va_arg(args.list, int)));
-      return true;
-    case '%':
-      if (length != Length::kInt) return false;
-      sink.Append('%');
-      return true;
-    default:
-      return false;
+  if (conversion == 'd' || conversion == 'i') {
+    AppendSigned(sink, length, args);
+  } else if (conversion == 'u' || conversion == 'x' || conversion == 'X') {
+    AppendUnsignedArgument(sink, conversion, length, args);
+  } else if (length != Length::kInt) {
+    return false;
+  } else if (conversion == 's') {
+    const char* text = va_arg(args.list, const char*);
+    if (text == nullptr) text = "(null)";
+    sink.Append(text, strlen(text));
+  } else if (conversion == 'c') {
+    sink.Append(static_cast<char>(va_arg(args.list, int)));
+  } else if (conversion == '%') {
+    sink.Append('%');
+  } else {
+    return false;
   }
+  return true;
 }
 
 bool FormatSimple(char* out, size_t capacity, const char* format, Arguments& args, size_t* length) {
