@@ -84,6 +84,12 @@ std::string ReadLogPath(const std::filesystem::path& home) {
   return field.substr(0, field.find('\0'));
 }
 
+bool AllClassesAt(const std::filesystem::path& home, int level) {
+  for (int logClass = 0; logClass < kLogClassCount; ++logClass)
+    if (ReadClassLevel(home, logClass) != level) return false;
+  return true;
+}
+
 std::vector<std::string> ArchiveMembers(const std::filesystem::path& archive) {
   return SplitLines(testsupport::RunAndCapture("tar -tzf '" + archive.string() + "' 2>/dev/null"));
 }

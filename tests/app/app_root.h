@@ -24,6 +24,7 @@ void WriteLogArea(const std::filesystem::path& home, int level0, int otherClass,
                   const std::string& logPath);
 int ReadClassLevel(const std::filesystem::path& home, int logClass);
 std::string ReadLogPath(const std::filesystem::path& home);
+bool AllClassesAt(const std::filesystem::path& home, int level);
 
 // Member names of a .tar.gz, in archive order.
 std::vector<std::string> ArchiveMembers(const std::filesystem::path& archive);

@@ -17,12 +17,6 @@ using testsupport::AnswerNextDialog;
 using testsupport::DialogRecord;
 using testsupport::WriteFile;
 
-bool AllClassesAt(const std::filesystem::path& home, int level) {
-  for (int logClass = 0; logClass < kLogClassCount; ++logClass)
-    if (ReadClassLevel(home, logClass) != level) return false;
-  return true;
-}
-
 bool WaitForPeerLine(const std::string& line) {
   for (int i = 0; i < 200; ++i) {
     if (LogdPeerOutput().find(line) != std::string::npos) return true;

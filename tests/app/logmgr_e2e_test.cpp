@@ -32,12 +32,6 @@ int WaitForExit(pid_t pid, int timeoutMs) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-bool AllClassesAt(const std::filesystem::path& home, int level) {
-  for (int logClass = 0; logClass < kLogClassCount; ++logClass)
-    if (ReadClassLevel(home, logClass) != level) return false;
-  return true;
-}
-
 bool WaitUntil(const std::function<bool()>& done, int timeoutMs) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
   while (!done()) {
