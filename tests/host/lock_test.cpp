@@ -1,27 +1,32 @@
 #include "host/lock.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdint>
-#include <cstring>
+#include <thread>
 
-#include "probe_process.h"
+#include "probe.h"
 #include "support/files.h"
+#include "support/privileges.h"
 #include "support/temp_dir.h"
 
 namespace fs = std::filesystem;
-using hosttest::ProbeProcess;
+using testsupport::ReadFile;
+using testsupport::RunAndCapture;
 using testsupport::ScopedEnv;
 using testsupport::TempDir;
+using testsupport::WriteFile;
 
 namespace {
 
 std::string IdBytes(int32_t id) { return std::string(reinterpret_cast<const char*>(&id), 4); }
 
-// A process id that belonged to a process that has since been reaped.
+// A process id whose process has been reaped.
 pid_t GoneProcessId() {
   pid_t child = fork();
   if (child == 0) _exit(0);
@@ -29,69 +34,72 @@ pid_t GoneProcessId() {
   return child;
 }
 
+// A probe started by the shell command given that holds the lock until destroyed.
+class LockHolder {
+ public:
+  LockHolder(const std::string& command, const fs::path& output)
+      : pipe_(popen(("exec " + command + " lock logmgr >" + output.string()).c_str(), "w")) {
+    for (int i = 0; i < 1000 && ReadFile(output).empty(); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  ~LockHolder() { pclose(pipe_); }
+
+ private:
+  FILE* pipe_;
+};
+
 }  // namespace
 
 class SingleInstance : public ::testing::Test {
  protected:
+  std::string ProbeOnce(const std::string& command) {
+    return RunAndCapture(command + " lock logmgr </dev/null 2>&1");
+  }
   TempDir home;
   ScopedEnv homeEnv{"HOME", home.str().c_str()};
   fs::path lockFile = home / ".ORBClient/.tmp/.logmgr.lock";
+  std::string probe = hosttest::ProbePath();
 };
 
-TEST_F(SingleInstance, FirstStartRecordsItsIdAndASecondCallIsRefused) {
-  testing::internal::CaptureStderr();
+TEST_F(SingleInstance, FirstStartRecordsItsIdInPrivateFolders) {
   EXPECT_FALSE(EnsureSingleInstance("logmgr"));
-  EXPECT_EQ(testsupport::ReadFile(lockFile), IdBytes(getpid()));
-  struct stat info {};
-  ASSERT_EQ(stat((home / ".ORBClient/.tmp").c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0700u);
-  ASSERT_EQ(stat(lockFile.c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0700u);
-  // The same process (same command line) now owns the lock.
-  EXPECT_TRUE(EnsureSingleInstance("logmgr"));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(ReadFile(lockFile), IdBytes(getpid()));
+  for (const fs::path& path : {home / ".ORBClient", home / ".ORBClient/.tmp", lockFile})
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0700)) << path;
 }
 
 TEST_F(SingleInstance, StaleOrReusedIdIsOverwrittenKeepingLaterBytes) {
-  testsupport::WriteFile(lockFile, IdBytes(GoneProcessId()) + "tail");
+  WriteFile(lockFile, IdBytes(GoneProcessId()) + "tail");
   EXPECT_FALSE(EnsureSingleInstance("logmgr"));
-  EXPECT_EQ(testsupport::ReadFile(lockFile), IdBytes(getpid()) + "tail");
-
-  // A live process that is not this program: its id was reused.
-  ProbeProcess other({hosttest::ProbePath(), "lock", "other"});
-  ASSERT_EQ(other.ReadLine(), "started");
-  std::string otherId = testsupport::ReadFile(home / ".ORBClient/.tmp/.other.lock");
-  ASSERT_NE(otherId, IdBytes(getpid()));
-  testsupport::WriteFile(lockFile, otherId);
+  EXPECT_EQ(ReadFile(lockFile), IdBytes(getpid()) + "tail");
+  // A live process that is another program: the id was reused.
+  LockHolder other(probe, home / "other.out");
+  ASSERT_EQ(ReadFile(home / "other.out"), "started\n");
+  ASSERT_NE(ReadFile(lockFile), IdBytes(getpid()) + "tail");
   EXPECT_FALSE(EnsureSingleInstance("logmgr"));
-  EXPECT_EQ(testsupport::ReadFile(lockFile), IdBytes(getpid()));
+  EXPECT_EQ(ReadFile(lockFile), IdBytes(getpid()) + "tail");
 }
 
 TEST_F(SingleInstance, SecondCopyBySamePathIsRefusedSilently) {
-  ProbeProcess first({hosttest::ProbePath(), "lock", "logmgr"});
-  ASSERT_EQ(first.ReadLine(), "started");
-  ProbeProcess second({hosttest::ProbePath(), "lock", "logmgr"});
-  EXPECT_EQ(second.ReadLine(), "refused");
-  EXPECT_EQ(second.Finish(), 0);
-  EXPECT_EQ(second.errors(), "");
-  EXPECT_EQ(first.Finish(), 0);
-  // Once the first copy is gone its id is stale and a new copy starts.
-  ProbeProcess third({hosttest::ProbePath(), "lock", "logmgr"});
-  EXPECT_EQ(third.ReadLine(), "started");
+  {
+    LockHolder first(probe, home / "first.out");
+    ASSERT_EQ(ReadFile(home / "first.out"), "started\n");
+    EXPECT_EQ(ProbeOnce(probe), "refused\n");
+  }
+  EXPECT_EQ(ProbeOnce(probe), "started\n");
 }
 
 TEST_F(SingleInstance, RelativeAndFullPathCountAsDifferentPrograms) {
-  fs::path probe = hosttest::ProbePath();
-  ProbeProcess full({probe.string(), "lock", "logmgr"});
-  ASSERT_EQ(full.ReadLine(), "started");
-  ProbeProcess relative({"./" + probe.filename().string(), "lock", "logmgr"},
-                        probe.parent_path().string());
-  EXPECT_EQ(relative.ReadLine(), "started");
+  LockHolder full(probe, home / "full.out");
+  ASSERT_EQ(ReadFile(home / "full.out"), "started\n");
+  fs::path path = probe;
+  EXPECT_EQ(ProbeOnce("cd " + path.parent_path().string() + " && ./" + path.filename().string()),
+            "started\n");
 }
 
 TEST(ClientTempDirectory, FallsBackToTmpFolders) {
   TempDir dir;
-  testsupport::WriteFile(dir / "file", "");
+  WriteFile(dir / "file", "");
   std::string user = "norvex-test-" + std::to_string(getpid());
   ScopedEnv userEnv("USER", user.c_str());
   {
@@ -103,26 +111,28 @@ TEST(ClientTempDirectory, FallsBackToTmpFolders) {
               "Not a directory.Using /tmp directory.\n");
     EXPECT_TRUE(fs::is_directory("/tmp/" + user));
     fs::remove("/tmp/" + user);
-    ScopedEnv noUser("USER", "");
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(GetClientTempDirectory(), "/tmp");
-    testing::internal::GetCapturedStderr();
   }
   ScopedEnv emptyHome("HOME", "");
   EXPECT_EQ(GetClientTempDirectory(), "/tmp");
 }
 
-// As nobody, in a home that nobody may read but not write.
+// Run as nobody in a home that nobody may enter but not write; its standard
+// error goes to a file it owns.
 class SingleInstanceAsNobody : public ::testing::Test {
  protected:
   void SetUp() override {
     fs::permissions(home.path(), fs::perms(0755));
     fs::create_directories(home / ".ORBClient");
-    fs::permissions(home / ".ORBClient", fs::perms(0755));
+    WriteFile(home / "errors", "");
+    ASSERT_EQ(chown((home / "errors").c_str(), testsupport::NobodyUid(), 0), 0);
   }
-  int RunEnsure() {
-    return hosttest::RunAsNobodyCapturingStderr([] { return EnsureSingleInstance("logmgr"); },
-                                                errors);
+  std::string RunEnsure() {
+    int result = testsupport::RunAsNobody([this] {
+      dup2(open((home / "errors").c_str(), O_WRONLY), STDERR_FILENO);
+      return EnsureSingleInstance("logmgr") ? 1 : 0;
+    });
+    EXPECT_EQ(result, 1);
+    return ReadFile(home / "errors");
   }
   std::string CannotCheckLines(const std::string& lockPath) {
     return "Failed to check if another Keyward service exist\nPlease remove" + lockPath +
@@ -130,32 +140,19 @@ class SingleInstanceAsNobody : public ::testing::Test {
   }
   TempDir home;
   ScopedEnv homeEnv{"HOME", home.str().c_str()};
-  std::string errors;
 };
 
 TEST_F(SingleInstanceAsNobody, UncreatableScratchFolderWithoutUserCannotCheck) {
   ScopedEnv user("USER", "");
-  std::string scratch = (home / ".ORBClient/.tmp").string();
-  EXPECT_EQ(RunEnsure(), 1);
-  EXPECT_EQ(errors,
+  EXPECT_EQ(RunEnsure(),
             "Failed to create orbHome/.tmp directory inside user home directory."
             "Permission denied.Using /tmp directory.\n"
             "error opening write : No such file or directory\n" +
-                CannotCheckLines(scratch + "/.logmgr.lock"));
+                CannotCheckLines((home / ".ORBClient/.tmp/.logmgr.lock").string()));
 }
 
 TEST_F(SingleInstanceAsNobody, UnreadableLockFolderCannotCheck) {
   fs::create_directories(home / ".ORBClient/.tmp");
   fs::permissions(home / ".ORBClient/.tmp", fs::perms(0700));
-  EXPECT_EQ(RunEnsure(), 1);
-  EXPECT_EQ(errors, CannotCheckLines((home / ".ORBClient/.tmp/.logmgr.lock").string()));
-}
-
-TEST(CommandLineField, StopsAtTheFirstNul) {
-  TempDir dir;
-  testsupport::WriteFile(dir / "cmdline", std::string("./logmgr\0--flag\0", 16));
-  EXPECT_EQ(ReadFirstCommandLineField((dir / "cmdline").string()), "./logmgr");
-  testsupport::WriteFile(dir / "plain", "no nul");
-  EXPECT_EQ(ReadFirstCommandLineField((dir / "plain").string()), "no nul");
-  EXPECT_EQ(ReadFirstCommandLineField((dir / "missing").string()), "");
+  EXPECT_EQ(RunEnsure(), CannotCheckLines((home / ".ORBClient/.tmp/.logmgr.lock").string()));
 }
