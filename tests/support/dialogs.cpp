@@ -13,13 +13,23 @@ struct Watch {
   bool* seen;
 };
 
+// A file chooser learns its folder asynchronously and ignores an answer given
+// before that, so it only counts as shown once the folder is known.
+bool IsReady(GtkWidget* window) {
+  if (!GTK_IS_FILE_CHOOSER(window)) return true;
+  gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
+  const bool known = folder != nullptr;
+  g_free(folder);
+  return known;
+}
+
 GtkDialog* FindVisibleDialog(GType type) {
   GtkDialog* found = nullptr;
   GList* toplevels = gtk_window_list_toplevels();
   for (GList* item = toplevels; item; item = item->next) {
     GtkWidget* window = GTK_WIDGET(item->data);
     if (G_TYPE_CHECK_INSTANCE_TYPE(window, type) && gtk_widget_get_visible(window) &&
-        gtk_widget_get_mapped(window)) {
+        gtk_widget_get_mapped(window) && IsReady(window)) {
       found = GTK_DIALOG(window);
       break;
     }

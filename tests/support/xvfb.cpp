@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 namespace testsupport {
@@ -53,12 +54,21 @@ void XvfbEnvironment::SetUp() {
   setenv("GDK_BACKEND", "x11", 1);
   setenv("NO_AT_BRIDGE", "1", 1);
   setenv("GSETTINGS_BACKEND", "memory", 1);
+  userDirs_ = std::make_unique<TempDir>();
+  for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
+    const std::filesystem::path folder = userDirs_->path() / name;
+    std::filesystem::create_directories(folder);
+    setenv(name, folder.c_str(), 1);
+  }
   server_ = StartXvfb();
   ASSERT_GT(server_, 0) << "Xvfb could not be started";
   ASSERT_TRUE(gtk_init_check(nullptr, nullptr)) << "GTK could not open the display";
   g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
 }
 
-void XvfbEnvironment::TearDown() { StopXvfb(server_); }
+void XvfbEnvironment::TearDown() {
+  StopXvfb(server_);
+  userDirs_.reset();
+}
 
 }  // namespace testsupport
