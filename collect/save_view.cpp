@@ -1,0 +1,62 @@
+// Lets the user keep an archive where they choose, and opens what was kept.
+#include <iostream>
+
+#include "app/app.h"
+#include "app/i18n.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+GtkWidget* NewSaveChooser(GtkWidget* parent) {
+  return gtk_file_chooser_dialog_new(_("Save File"), parent ? GTK_WINDOW(parent) : nullptr,
+                                     GTK_FILE_CHOOSER_ACTION_SAVE, _("Cancel"), GTK_RESPONSE_CANCEL,
+                                     _("Save"), GTK_RESPONSE_ACCEPT, nullptr);
+}
+
+// The chosen file, or an empty path when the user did not accept.
+fs::path RunSaveChooser(GtkWidget* dialog, const std::string& defaultName, const fs::path& home) {
+  GtkFileChooser* chooser = GTK_FILE_CHOOSER(dialog);
+  gtk_file_chooser_set_do_overwrite_confirmation(chooser, TRUE);
+  gtk_file_chooser_set_current_name(chooser, defaultName.c_str());
+  // Opens the dialog in the home folder.
+  gtk_file_chooser_set_filename(chooser, JoinPath(home.string(), defaultName).c_str());
+  if (gtk_dialog_run(GTK_DIALOG(dialog)) != GTK_RESPONSE_ACCEPT) return {};
+  gchar* chosen = gtk_file_chooser_get_filename(chooser);
+  fs::path result = chosen ? chosen : "";
+  g_free(chosen);
+  return result;
+}
+
+}  // namespace
+
+bool App::SaveArchiveDialog(const fs::path& archive, const std::string& defaultName, GtkWidget* parent) {
+  GtkWidget* dialog = NewSaveChooser(parent);
+  if (dialog == nullptr) {
+    std::cerr << "Error while opening dialog" << std::endl;
+    return false;
+  }
+  const fs::path chosen = RunSaveChooser(dialog, defaultName, homeFolder);
+  // Gone before the copy, so that a failure message is not shown beneath it.
+  gtk_widget_destroy(dialog);
+  if (chosen.empty()) return false;
+
+  savedLogsLocation = chosen;
+  if (!CopyFile(archive, chosen)) {
+    ShowError(parent, FormatMessage(_("Failed to save logs at \"%s\" \nPlease check the folder permisions and try again."),
+                                    chosen.string()));
+    return false;
+  }
+  // After any successful save, of the existing-logs archive too.
+  RemoveStagedFiles();
+  return true;
+}
+
+void App::ViewSavedLogs(GtkWidget* parent) {
+  if (IsXdgOpenAvailable()) {
+    RunCommand({"xdg-open", savedLogsLocation.string()}, 0);
+    return;
+  }
+  ShowMessage(parent, kMessageInformation,
+              FormatMessage(_("Existing logs are saved at \"%s\"."), savedLogsLocation.string()));
+}
