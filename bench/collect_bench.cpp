@@ -1,0 +1,175 @@
+// App::FindFiles and App::CreateArchive against the bare "find" and "tar"
+// doing the same work; prints the two ratios at the end of the run.
+#include <benchmark/benchmark.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <string>
+
+#include "app/app.h"
+
+extern char** environ;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kListedFiles = 10000;
+constexpr int kArchivedFiles = 20;
+constexpr size_t kArchivedFileBytes = 10u << 20;  // 20 x 10 MB of log text
+
+struct Scratch {
+  fs::path top, home, root, listing, logs, archive;
+};
+
+Scratch& Data() {
+  static Scratch scratch;
+  return scratch;
+}
+
+void MakeListingFolder(const fs::path& folder) {
+  fs::create_directories(folder);
+  for (int i = 0; i < kListedFiles; ++i) {
+    const char* family = (i % 2 == 0) ? "kvlog." : "session.";
+    std::ofstream(folder / (family + std::to_string(i))) << "x\n";
+  }
+}
+
+// Lines shaped like the client's own, varied enough to compress like them.
+void WriteLogText(const fs::path& file, unsigned seed) {
+  std::ofstream out(file, std::ios::binary);
+  static const char* kLevels[] = {"INFO", "DEBUG", "VERBOSE", "WARN"};
+  size_t written = 0;
+  for (unsigned n = seed; written < kArchivedFileBytes; ++n) {
+    char line[200];
+    const int length = std::snprintf(line, sizeof line,
+                                     "2024-05-%02u %02u:%02u:%02u.%03u [%s] ORBClient[%u]: session %u frame %u "
+                                     "latency %ums codec h264 queue %u\n",
+                                     1 + n % 28, n % 24, n % 60, (n * 7) % 60, n % 1000, kLevels[n % 4],
+                                     4000 + n % 97, n % 13, n * 31 % 100003, n % 250, n % 17);
+    out.write(line, length);
+    written += static_cast<size_t>(length);
+  }
+}
+
+void PrepareData() {
+  Scratch& d = Data();
+  std::string pattern = (fs::temp_directory_path() / "norvex-bench-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) std::abort();
+  d.top = pattern;
+  d.home = d.top / "home";
+  d.root = d.top / "root";
+  d.listing = d.top / "listing";
+  d.logs = d.top / "logs";
+  d.archive = d.top / "out.tar.gz";
+  fs::create_directories(d.home);
+  // Enough of a client install for the install-root search to stop here.
+  for (const char* name : {"KeywardDaemon", "SvcLedger", "PrimaryKeyward", "util/shelfscan"}) {
+    fs::create_directories((d.root / name).parent_path());
+    std::ofstream(d.root / name) << "";
+  }
+  setenv("HOME", d.home.c_str(), 1);
+  setenv("ORBROOT", d.root.c_str(), 1);
+  MakeListingFolder(d.listing);
+  fs::create_directories(d.logs);
+  for (int i = 0; i < kArchivedFiles; ++i) WriteLogText(d.logs / ("kvlog." + std::to_string(i)), i * 1000003u);
+}
+
+App& TheApp() {
+  static App app;
+  return app;
+}
+
+App::FileList ArchivedFiles() {
+  App::FileList files;
+  for (int i = 0; i < kArchivedFiles; ++i) files.push_back(Data().logs / ("kvlog." + std::to_string(i)));
+  return files;
+}
+
+void BM_FindFiles(benchmark::State& state) {
+  for (auto _ : state) {
+    App::FileList list;
+    TheApp().FindFiles(Data().listing, "kvlog*", list);
+    if (list.size() != kListedFiles / 2) state.SkipWithError("wrong count");
+    benchmark::DoNotOptimize(list);
+  }
+}
+
+void BM_BareFind(benchmark::State& state) {
+  const fs::path listFile = Data().top / "bare_list.txt";
+  const std::string command = "find " + Data().listing.string() + " -type f -name 'kvlog*' > " + listFile.string();
+  for (auto _ : state) {
+    if (std::system(command.c_str()) != 0) state.SkipWithError("find failed");
+    App::FileList list;
+    std::ifstream in(listFile);
+    for (std::string line; std::getline(in, line);) list.emplace_back(line);
+    fs::remove(listFile);
+    benchmark::DoNotOptimize(list);
+  }
+}
+
+void BM_CreateArchive(benchmark::State& state) {
+  const App::FileList files = ArchivedFiles();
+  for (auto _ : state)
+    if (TheApp().CreateArchive(files, Data().archive.string()) != 0) state.SkipWithError("archive failed");
+}
+
+void BM_BareTar(benchmark::State& state) {
+  std::vector<std::string> words = {"tar", "-czhPf", Data().archive.string(), "--transform=s|^.*\\/||"};
+  for (const fs::path& file : ArchivedFiles()) words.push_back(file.string());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  for (auto _ : state) {
+    pid_t pid = 0;
+    int status = 0;
+    if (posix_spawnp(&pid, "tar", nullptr, nullptr, argv.data(), environ) != 0 ||
+        waitpid(pid, &status, 0) < 0 || status != 0)
+      state.SkipWithError("tar failed");
+  }
+}
+
+BENCHMARK(BM_FindFiles)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
+BENCHMARK(BM_BareFind)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
+BENCHMARK(BM_CreateArchive)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
+BENCHMARK(BM_BareTar)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
+
+// Keeps each benchmark's real time per iteration for the ratios.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) times_[run.run_name.function_name] = run.GetAdjustedRealTime();
+  }
+  double Ratio(const std::string& ours, const std::string& bare) const {
+    const auto a = times_.find(ours), b = times_.find(bare);
+    return (a == times_.end() || b == times_.end() || b->second == 0) ? 0 : a->second / b->second;
+  }
+
+ private:
+  std::map<std::string, double> times_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  PrepareData();
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  std::cout << "listing ratio FindFiles/find: " << reporter.Ratio("BM_FindFiles", "BM_BareFind")
+            << " (goal <= 1.2)\n";
+  std::cout << "archive ratio CreateArchive/tar: "
+            << reporter.Ratio("BM_CreateArchive", "BM_BareTar")
+            << " (goal <= 1.05)\n";
+  benchmark::Shutdown();
+  std::error_code ignored;
+  fs::remove_all(Data().top, ignored);
+  return 0;
+}
