@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "app/app.h"
+#include "collect/envdump_output.h"
 #include "host/client_version.h"
 #include "host/os_identity.h"
 #include "logclient/logclient.h"
@@ -25,13 +26,6 @@ std::string ReadAllLines(FILE* stream) {
   char line[1024];
   while (std::fgets(line, sizeof line, stream) != nullptr) text += line;
   return text;
-}
-
-std::string WithoutLineEnds(const std::string& text) {
-  std::string kept;
-  for (char c : text)
-    if (c != '\r' && c != '\n') kept += c;
-  return kept;
 }
 
 }  // namespace
@@ -96,9 +90,8 @@ bool App::RunEnvdump(const fs::path& reportPath) {
   }
   const std::string printed = ReadAllLines(output);
   child_pclose(output, pid);
-  // The tool prints the path of the dump it wrote, sometimes wrapped or with CRLF.
   try {
-    fs::copy_file(WithoutLineEnds(printed), reportPath, fs::copy_options::overwrite_existing);
+    fs::copy_file(DumpPathFromEnvdumpOutput(printed), reportPath, fs::copy_options::overwrite_existing);
   } catch (const fs::filesystem_error& error) {
     std::cerr << "Error copying file: " << error.what() << std::endl;
     return false;

@@ -81,6 +81,7 @@ TEST_F(DiagnosticsTest, UnopenableReportIsNamedOnStandardOutput) {
 }
 
 TEST_F(DiagnosticsTest, IssueRunPutsTheConfigurationInTheLogsFolder) {
+  testsupport::WriteFile(app_->issueEnvdumpReport, "an older dump, longer than the new one\n");
   app_->CollectDiagnostics(app_->issueFolder);
   const std::string config = testsupport::ReadFile(root_ / "config/KeywardConfig.xml");
   EXPECT_EQ(testsupport::ReadFile(app_->keywardConfigCopy), config);
@@ -110,13 +111,6 @@ TEST_F(DiagnosticsTest, AnyOtherFolderGetsNoReports) {
   EXPECT_TRUE(fs::is_empty(app_->issueFolder));
   EXPECT_FALSE(fs::exists(app_->keywardConfigCopy));
   EXPECT_FALSE(fs::exists(app_->existingSystemInfo));
-}
-
-TEST_F(DiagnosticsTest, EnvdumpPathIsCopiedOverAnOlderReport) {
-  const fs::path report = app_->issueEnvdumpReport;
-  testsupport::WriteFile(report, "older dump, longer than the new one\n");
-  EXPECT_TRUE(app_->RunEnvdump(report));
-  EXPECT_EQ(testsupport::ReadFile(report), "dump of the environment\n");
 }
 
 TEST_F(DiagnosticsTest, EnvdumpNamingAMissingFileIsReported) {

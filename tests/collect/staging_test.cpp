@@ -90,10 +90,5 @@ TEST_F(StagingTest, MarkerIsCreatedEmptyKeptAsFoundAndRemoved) {
   EXPECT_TRUE(app_->DisableKvlog());
 }
 
-TEST_F(StagingTest, MarkerCannotBeMadeWithoutTheClientFolder) {
-  EXPECT_FALSE(app_->EnableKvlog());
-  EXPECT_FALSE(fs::exists(home_ / ".ORBClient"));
-}
-
 }  // namespace
 }  // namespace collecttest
