@@ -21,14 +21,16 @@ std::vector<std::string> Names(const App::FileList& list, size_t from, size_t to
 TEST_F(GatheringTest, ActivityLogsComeFirstThenKvlogs) {
   MakeClientFolders();
   const fs::path logs = app_->logsFolder;
-  for (const char* name : {"kvlog.2", "userActivitylog.1", "userActivitylog.latest", "ORBClient.log"})
+  // The listing takes the wider "userActivity" family, not only "userActivitylog".
+  for (const char* name : {"kvlog.2", "userActivitylog.1", "userActivitylog.latest", "userActivityTrace", "ORBClient.log"})
     testsupport::WriteFile(logs / name, "x");
   App::FileList list{"/already/listed"};
   app_->FindActivityAndKvlogs(list, logs);
-  ASSERT_EQ(list.size(), 4u);
+  ASSERT_EQ(list.size(), 5u);
   EXPECT_EQ(list[0], "/already/listed");
-  EXPECT_EQ(Names(list, 1, 3), (std::vector<std::string>{"userActivitylog.1", "userActivitylog.latest"}));
-  EXPECT_EQ(list[3], logs / "kvlog.2");
+  EXPECT_EQ(Names(list, 1, 4),
+            (std::vector<std::string>{"userActivityTrace", "userActivitylog.1", "userActivitylog.latest"}));
+  EXPECT_EQ(list[4], logs / "kvlog.2");
   EXPECT_FALSE(fs::exists(app_->tempListFile));
 }
 
