@@ -73,6 +73,9 @@ class App {
   bool SaveArchiveDialog(const std::filesystem::path& archive, const std::string& defaultName,
                          GtkWidget* parent);
   void ViewSavedLogs(GtkWidget* parent);
+  // The accepted part of SaveArchiveDialog: remember, copy, report, clean up.
+  bool CopyChosenArchive(const std::filesystem::path& archive, const std::filesystem::path& chosen,
+                         GtkWidget* parent);
 
   // --- engine: diagnostics (collect/diagnostics.cpp) ---
   void CollectDiagnostics(const std::filesystem::path& folder);

@@ -37,10 +37,18 @@ bool App::SaveArchiveDialog(const fs::path& archive, const std::string& defaultN
     return false;
   }
   const fs::path chosen = RunSaveChooser(dialog, defaultName, homeFolder);
-  // Gone before the copy, so that a failure message is not shown beneath it.
+  if (chosen.empty()) {
+    gtk_widget_destroy(dialog);
+    return false;
+  }
+  // Out of sight while the copy runs, so a failure message is not shown beneath it.
+  gtk_widget_hide(dialog);
+  const bool saved = CopyChosenArchive(archive, chosen, parent);
   gtk_widget_destroy(dialog);
-  if (chosen.empty()) return false;
+  return saved;
+}
 
+bool App::CopyChosenArchive(const fs::path& archive, const fs::path& chosen, GtkWidget* parent) {
   savedLogsLocation = chosen;
   if (!CopyFile(archive, chosen)) {
     ShowError(parent, FormatMessage(_("Failed to save logs at \"%s\" \nPlease check the folder permisions and try again."),
