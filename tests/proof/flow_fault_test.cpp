@@ -29,6 +29,8 @@ struct TarFault {
   const char* statusLine;  // what the command runner says about the failed run
 };
 
+void PrintTo(const TarFault& fault, std::ostream* out) { *out << fault.name; }
+
 class TarFaultTest : public apptest::WindowTest, public testing::WithParamInterface<TarFault> {
  protected:
   void SetUp() override {
