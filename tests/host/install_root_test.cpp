@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "probe.h"
 #include "support/fake_root.h"
 #include "support/files.h"
 #include "support/temp_dir.h"
@@ -25,24 +24,13 @@ TEST(InstallRootCheck, NeedsAllFourNamesAndFollowsLinks) {
   }
 }
 
-TEST(InstallRootSearch, NoCandidatePrintsOneLinePerCall) {
-  TempDir home;
-  ScopedEnv homeEnv("HOME", home.str().c_str());
-  ScopedEnv rootEnv("ORBROOT", nullptr);
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(FindInstallRoot(), "");
-  EXPECT_EQ(FindInstallRoot(), "");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
-}
-
 // The program's own folder is a candidate, so each case copies the probe
 // into a folder and runs it from there; the answer is its whole output.
-class InstallRootFromProgram : public ::testing::Test {
+class InstallRootSearch : public ::testing::Test {
  protected:
   std::string RunFrom(const fs::path& folder) {
     fs::create_directories(folder);
-    fs::copy_file(hosttest::ProbePath(), folder / "host_probe", fs::copy_options::overwrite_existing);
+    fs::copy_file(HOST_PROBE_PATH, folder / "host_probe", fs::copy_options::overwrite_existing);
     return testsupport::RunAndCapture((folder / "host_probe").string() + " root 2>&1");
   }
   TempDir dir;
@@ -51,7 +39,15 @@ class InstallRootFromProgram : public ::testing::Test {
   fs::path homeRoot = dir / "ORBClient" / PlatformFolderName();
 };
 
-TEST_F(InstallRootFromProgram, OrbRootFirstThenProgramFolder) {
+TEST_F(InstallRootSearch, NoCandidatePrintsOneLinePerCall) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(FindInstallRoot(), "");
+  EXPECT_EQ(FindInstallRoot(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
+}
+
+TEST_F(InstallRootSearch, OrbRootFirstThenProgramFolder) {
   MakeFakeInstallRoot(dir / "installed");
   MakeFakeInstallRoot(dir / "fromEnv");
   ScopedEnv env("ORBROOT", (dir / "fromEnv").c_str());
@@ -60,16 +56,11 @@ TEST_F(InstallRootFromProgram, OrbRootFirstThenProgramFolder) {
   EXPECT_EQ(RunFrom(dir / "installed"), (dir / "installed").string() + "\n");
 }
 
-TEST_F(InstallRootFromProgram, OnlyAFolderNamedUtilIsSteppedOver) {
+TEST_F(InstallRootSearch, OnlyAFolderNamedUtilIsSteppedOverAndOnlyToAValidParent) {
   MakeFakeInstallRoot(dir / "installed");
   EXPECT_EQ(RunFrom(dir / "installed/util"), (dir / "installed").string() + "\n");
-  MakeFakeInstallRoot(homeRoot);
-  EXPECT_EQ(RunFrom(dir / "installed/utils"), homeRoot.string() + "\n");
-  EXPECT_EQ(RunFrom(dir / "installed/xutil"), homeRoot.string() + "\n");
-}
-
-TEST_F(InstallRootFromProgram, UtilWithInvalidParentFallsThrough) {
   EXPECT_EQ(RunFrom(dir / "notaroot/util"), "No valid ORBROOT directory found\n\n");
   MakeFakeInstallRoot(homeRoot);
-  EXPECT_EQ(RunFrom(dir / "notaroot/util"), homeRoot.string() + "\n");
+  for (const char* folder : {"installed/utils", "installed/xutil", "notaroot/util"})
+    EXPECT_EQ(RunFrom(dir / folder), homeRoot.string() + "\n") << folder;
 }

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,14 +9,12 @@
 #include <cstdint>
 #include <thread>
 
-#include "probe.h"
 #include "support/files.h"
 #include "support/privileges.h"
 #include "support/temp_dir.h"
 
 namespace fs = std::filesystem;
 using testsupport::ReadFile;
-using testsupport::RunAndCapture;
 using testsupport::ScopedEnv;
 using testsupport::TempDir;
 using testsupport::WriteFile;
@@ -26,15 +23,7 @@ namespace {
 
 std::string IdBytes(int32_t id) { return std::string(reinterpret_cast<const char*>(&id), 4); }
 
-// A process id whose process has been reaped.
-pid_t GoneProcessId() {
-  pid_t child = fork();
-  if (child == 0) _exit(0);
-  waitpid(child, nullptr, 0);
-  return child;
-}
-
-// A probe started by the shell command given that holds the lock until destroyed.
+// A probe started by a shell command, holding the lock until destroyed.
 class LockHolder {
  public:
   LockHolder(const std::string& command, const fs::path& output)
@@ -52,13 +41,12 @@ class LockHolder {
 
 class SingleInstance : public ::testing::Test {
  protected:
-  std::string ProbeOnce(const std::string& command) {
-    return RunAndCapture(command + " lock logmgr </dev/null 2>&1");
+  std::string ProbeOnce(const std::string& command = HOST_PROBE_PATH) {
+    return testsupport::RunAndCapture(command + " lock logmgr </dev/null 2>&1");
   }
   TempDir home;
   ScopedEnv homeEnv{"HOME", home.str().c_str()};
   fs::path lockFile = home / ".ORBClient/.tmp/.logmgr.lock";
-  std::string probe = hosttest::ProbePath();
 };
 
 TEST_F(SingleInstance, FirstStartRecordsItsIdInPrivateFolders) {
@@ -69,32 +57,30 @@ TEST_F(SingleInstance, FirstStartRecordsItsIdInPrivateFolders) {
 }
 
 TEST_F(SingleInstance, StaleOrReusedIdIsOverwrittenKeepingLaterBytes) {
-  WriteFile(lockFile, IdBytes(GoneProcessId()) + "tail");
+  pid_t gone = fork();
+  if (gone == 0) _exit(0);
+  waitpid(gone, nullptr, 0);
+  WriteFile(lockFile, IdBytes(gone) + "tail");
   EXPECT_FALSE(EnsureSingleInstance("logmgr"));
   EXPECT_EQ(ReadFile(lockFile), IdBytes(getpid()) + "tail");
   // A live process that is another program: the id was reused.
-  LockHolder other(probe, home / "other.out");
+  LockHolder other(HOST_PROBE_PATH, home / "other.out");
   ASSERT_EQ(ReadFile(home / "other.out"), "started\n");
   ASSERT_NE(ReadFile(lockFile), IdBytes(getpid()) + "tail");
   EXPECT_FALSE(EnsureSingleInstance("logmgr"));
   EXPECT_EQ(ReadFile(lockFile), IdBytes(getpid()) + "tail");
 }
 
-TEST_F(SingleInstance, SecondCopyBySamePathIsRefusedSilently) {
+TEST_F(SingleInstance, SecondCopyBySamePathIsRefusedButARelativePathIsAnotherProgram) {
+  fs::path probe = HOST_PROBE_PATH;
   {
     LockHolder first(probe, home / "first.out");
     ASSERT_EQ(ReadFile(home / "first.out"), "started\n");
-    EXPECT_EQ(ProbeOnce(probe), "refused\n");
+    EXPECT_EQ(ProbeOnce(), "refused\n");
+    EXPECT_EQ(ProbeOnce("cd " + probe.parent_path().string() + " && ./" + probe.filename().string()),
+              "started\n");
   }
-  EXPECT_EQ(ProbeOnce(probe), "started\n");
-}
-
-TEST_F(SingleInstance, RelativeAndFullPathCountAsDifferentPrograms) {
-  LockHolder full(probe, home / "full.out");
-  ASSERT_EQ(ReadFile(home / "full.out"), "started\n");
-  fs::path path = probe;
-  EXPECT_EQ(ProbeOnce("cd " + path.parent_path().string() + " && ./" + path.filename().string()),
-            "started\n");
+  EXPECT_EQ(ProbeOnce(), "started\n");
 }
 
 TEST(ClientTempDirectory, FallsBackToTmpFolders) {
@@ -116,43 +102,31 @@ TEST(ClientTempDirectory, FallsBackToTmpFolders) {
   EXPECT_EQ(GetClientTempDirectory(), "/tmp");
 }
 
-// Run as nobody in a home that nobody may enter but not write; its standard
-// error goes to a file it owns.
-class SingleInstanceAsNobody : public ::testing::Test {
- protected:
-  void SetUp() override {
-    fs::permissions(home.path(), fs::perms(0755));
-    fs::create_directories(home / ".ORBClient");
-    WriteFile(home / "errors", "");
-    ASSERT_EQ(chown((home / "errors").c_str(), testsupport::NobodyUid(), 0), 0);
-  }
-  std::string RunEnsure() {
-    int result = testsupport::RunAsNobody([this] {
-      dup2(open((home / "errors").c_str(), O_WRONLY), STDERR_FILENO);
-      return EnsureSingleInstance("logmgr") ? 1 : 0;
-    });
-    EXPECT_EQ(result, 1);
-    return ReadFile(home / "errors");
-  }
-  std::string CannotCheckLines(const std::string& lockPath) {
-    return "Failed to check if another Keyward service exist\nPlease remove" + lockPath +
-           " file and kill any 'logmgr' which is running.\n";
-  }
+// As nobody in a home it may enter but not write; its standard error goes to a file it owns.
+TEST(SingleInstanceAsNobody, RefusesWhenTheLockCannotBeChecked) {
   TempDir home;
-  ScopedEnv homeEnv{"HOME", home.str().c_str()};
-};
-
-TEST_F(SingleInstanceAsNobody, UncreatableScratchFolderWithoutUserCannotCheck) {
+  ScopedEnv homeEnv("HOME", home.str().c_str());
   ScopedEnv user("USER", "");
-  EXPECT_EQ(RunEnsure(),
+  fs::permissions(home.path(), fs::perms(0755));
+  fs::create_directories(home / ".ORBClient");
+  auto runEnsure = [&] {
+    WriteFile(home / "errors", "");
+    EXPECT_EQ(chown((home / "errors").c_str(), testsupport::NobodyUid(), 0), 0);
+    EXPECT_EQ(testsupport::RunAsNobody([&] {
+                dup2(open((home / "errors").c_str(), O_WRONLY), STDERR_FILENO);
+                return EnsureSingleInstance("logmgr") ? 1 : 0;
+              }),
+              1);
+    return ReadFile(home / "errors");
+  };
+  std::string cannotCheck = "Failed to check if another Keyward service exist\nPlease remove" +
+                            (home / ".ORBClient/.tmp/.logmgr.lock").string() +
+                            " file and kill any 'logmgr' which is running.\n";
+  EXPECT_EQ(runEnsure(),
             "Failed to create orbHome/.tmp directory inside user home directory."
-            "Permission denied.Using /tmp directory.\n"
-            "error opening write : No such file or directory\n" +
-                CannotCheckLines((home / ".ORBClient/.tmp/.logmgr.lock").string()));
-}
-
-TEST_F(SingleInstanceAsNobody, UnreadableLockFolderCannotCheck) {
+            "Permission denied.Using /tmp directory.\nerror opening write : No such file or directory\n" +
+                cannotCheck);
   fs::create_directories(home / ".ORBClient/.tmp");
   fs::permissions(home / ".ORBClient/.tmp", fs::perms(0700));
-  EXPECT_EQ(RunEnsure(), CannotCheckLines((home / ".ORBClient/.tmp/.logmgr.lock").string()));
+  EXPECT_EQ(runEnsure(), cannotCheck) << "an unreadable lock folder";
 }
