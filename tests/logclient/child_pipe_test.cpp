@@ -1,4 +1,4 @@
-// The shell-less child pipe, driven against tiny helper programs.
+// The shell-less child pipe, driven against small shell commands.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -17,57 +17,55 @@ namespace {
 
 using testsupport::TempDir;
 
-std::string ReadAll(FILE* stream) {
-  std::string text;
-  for (int c; (c = fgetc(stream)) != EOF;) text += static_cast<char>(c);
-  return text;
-}
+// Prints each argument on its own line, copies its input, says "done" on standard error.
+constexpr const char* kEcho = "printf '%s\\n' \"$@\"; cat; echo done >&2";
+
+struct Argv {
+  explicit Argv(std::vector<std::string> args) : texts(std::move(args)) {
+    for (std::string& arg : texts) pointers.push_back(arg.data());
+    pointers.push_back(nullptr);
+  }
+  char** data() { return pointers.data(); }
+  std::vector<std::string> texts;
+  std::vector<char*> pointers;
+};
 
 // Runs the program in "r" mode; returns its output and stores the wait status.
 std::string RunReading(std::vector<std::string> args, int* status) {
-  std::vector<char*> argv;
-  for (std::string& arg : args) argv.push_back(arg.data());
-  argv.push_back(nullptr);
+  Argv argv(std::move(args));
   pid_t pid = -1;
   FILE* stream = child_popen(argv.data(), "r", &pid);
   if (stream == nullptr) return "<no stream>";
-  std::string output = ReadAll(stream);
+  std::string output;
+  for (int c; (c = fgetc(stream)) != EOF;) output += static_cast<char>(c);
   *status = child_pclose(stream, pid);
   return output;
 }
 
-TEST(ChildPipe, ExpandsOnlyAbsolutePatterns) {
+TEST(ChildPipe, ExpandsOnlyAbsolutePatternsAndReportsHowTheChildEnded) {
   TempDir folder;
   testsupport::WriteFile(folder / "a1", "");
   testsupport::WriteFile(folder / "a2", "");
   std::string dir = folder.str();
   int status = -1;
-  std::string output = RunReading({CHILD_PRINT_ARGS_PATH, dir + "/a*", dir + "/none*", "*.log",
-                                   dir + "/a1", dir + "/missing"},
-                                  &status);
-  EXPECT_EQ(dir + "/a1\n" + dir + "/a2\n" + dir + "/none*\n*.log\n" + dir + "/a1\n" + dir +
-                "/missing\n",
-            output);
+  EXPECT_EQ(dir + "/a1\n" + dir + "/a2\n" + dir + "/none*\n*.log\n" + dir + "/missing\n",
+            RunReading({"sh", "-c", kEcho, "sh", dir + "/a*", dir + "/none*", "*.log", dir + "/missing"},
+                       &status));
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-}
-
-TEST(ChildPipe, ReportsHowTheChildEnded) {
-  int status = -1;
-  RunReading({CHILD_EXIT1_PATH}, &status);
+  RunReading({"false"}, &status);
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1);
-  RunReading({CHILD_KILL9_PATH}, &status);
+  RunReading({"sh", "-c", "kill -9 $$"}, &status);
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
 }
 
 TEST(ChildPipe, RefusesModesOtherThanReadOrWrite) {
-  char* argv[] = {const_cast<char*>(CHILD_EXIT1_PATH), nullptr};
+  Argv argv({"false"});
   for (const char* mode : {"rw", "R", ""}) {
     child_pipe_error error{-1, -1};
     pid_t pid = -1;
     ::testing::internal::CaptureStderr();
-    EXPECT_EQ(nullptr, child_popen_ex(argv, mode, &pid, 0, 0, &error));
-    EXPECT_EQ(std::string(": 93 Invalid Parameter mode \"[") + mode +
-                  "]\", only allow \"r\" or \"w\"\n",
+    EXPECT_EQ(nullptr, child_popen_ex(argv.data(), mode, &pid, 0, 0, &error));
+    EXPECT_EQ(std::string(": 93 Invalid Parameter mode \"[") + mode + "]\", only allow \"r\" or \"w\"\n",
               ::testing::internal::GetCapturedStderr());
     EXPECT_EQ(0, error.stage);
     EXPECT_EQ(EINVAL, error.saved_errno);
@@ -75,7 +73,7 @@ TEST(ChildPipe, RefusesModesOtherThanReadOrWrite) {
   }
   child_pipe_error error{-1, -1};
   ::testing::internal::CaptureStderr();
-  EXPECT_EQ(nullptr, child_popen_ex(argv, nullptr, nullptr, 0, 0, &error));
+  EXPECT_EQ(nullptr, child_popen_ex(argv.data(), nullptr, nullptr, 0, 0, &error));
   EXPECT_EQ("", ::testing::internal::GetCapturedStderr());
   EXPECT_EQ(0, error.saved_errno);
 }
@@ -84,18 +82,15 @@ TEST(ChildPipe, WriteModeFeedsTheChildAndQuietSilencesIt) {
   TempDir folder;
   // In a child, so the test's own descriptors 1 and 2 stay as they are.
   EXPECT_FORKED_PASS("", [&] {
-    int out = open((folder / "out").c_str(), O_WRONLY | O_CREAT, 0644);
-    int err = open((folder / "err").c_str(), O_WRONLY | O_CREAT, 0644);
-    dup2(out, STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
-    char* argv[] = {const_cast<char*>(CHILD_PRINT_ARGS_PATH), const_cast<char*>("arg"), nullptr};
+    dup2(open((folder / "out").c_str(), O_WRONLY | O_CREAT, 0644), STDOUT_FILENO);
+    dup2(open((folder / "err").c_str(), O_WRONLY | O_CREAT, 0644), STDERR_FILENO);
+    Argv argv({"sh", "-c", kEcho, "sh", "arg"});
     for (int quiet : {1, 0}) {
       pid_t pid = 0;
-      FILE* stream = child_popen_quiet(argv, "w", &pid, quiet, quiet);
+      FILE* stream = child_popen_quiet(argv.data(), "w", &pid, quiet, quiet);
       ASSERT_NE(nullptr, stream);
       fputs(quiet ? "hidden\n" : "shown\n", stream);
-      int status = child_pclose(stream, pid);
-      EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+      EXPECT_EQ(0, child_pclose(stream, pid));
     }
   });
   EXPECT_EQ("arg\nshown\n", testsupport::ReadFile(folder / "out"));
@@ -103,9 +98,9 @@ TEST(ChildPipe, WriteModeFeedsTheChildAndQuietSilencesIt) {
 }
 
 TEST(ChildPipe, CloseWithoutAPidDoesNotWait) {
-  char* argv[] = {const_cast<char*>(CHILD_EXIT1_PATH), nullptr};
+  Argv argv({"false"});
   pid_t pid = 0;
-  FILE* stream = child_popen(argv, "r", &pid);
+  FILE* stream = child_popen(argv.data(), "r", &pid);
   ASSERT_NE(nullptr, stream);
   int fd = fileno(stream);
   EXPECT_EQ(-1, child_pclose(stream, 0));
@@ -118,21 +113,16 @@ TEST(ChildPipe, CloseWithoutAPidDoesNotWait) {
 TEST(ChildPipe, UnexecutableProgramFailsInTheChild) {
   TempDir folder;
   testsupport::WriteFile(folder / "not-a-program", "data", 0644);
-  std::string program = (folder / "not-a-program").string();
-  char* argv[] = {program.data(), nullptr};
-  pid_t testProcess = getpid();
+  Argv argv({(folder / "not-a-program").string()});
+  pid_t testProcess = getpid(), pid = 0;
   child_pipe_error error{};
-  pid_t pid = 0;
-  FILE* stream = child_popen_ex(argv, "r", &pid, 0, 0, &error);
-  if (getpid() != testProcess) {
-    // The child gets the failed start back; report what it saw and leave.
+  FILE* stream = child_popen_ex(argv.data(), "r", &pid, 0, 0, &error);
+  if (getpid() != testProcess)  // the child gets the failed start back; report it and leave
     _exit(stream == nullptr && error.stage == 5 && error.saved_errno == EACCES ? 42 : 43);
-  }
   ASSERT_NE(nullptr, stream);
   EXPECT_EQ(EOF, fgetc(stream));
   int status = child_pclose(stream, pid);
-  EXPECT_TRUE(WIFEXITED(status));
-  EXPECT_EQ(42, WEXITSTATUS(status));
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 42);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <string>
 
 #include "logd_peer_process.h"
@@ -57,23 +56,15 @@ TEST(LogdDecoder, DecodesMessagesOnlyOnceComplete) {
 }
 
 TEST(LogdDecoder, RejectsInconsistentMessages) {
-  std::string goodRecord = Record(3, 1, "abc");
-  std::string unterminated = goodRecord;
+  std::string unterminated = Record(3, 1, "abc"), innerNul = Record(3, 1, "abc");
   unterminated.back() = 'x';
-  std::string innerNul = goodRecord;
   innerNul[4 + 14 + 1] = '\0';
-  std::string hugeHello = U16(300) + U16(2) + std::string(300, 'a');
-  const std::string cases[] = {
-      U16(5) + U16(3) + std::string(5, 'a'),   // unknown type
-      U16(10) + U16(1) + std::string(10, 'a'), // record shorter than its fixed fields
-      U16(9000) + U16(1),                      // record longer than any text allows
-      hugeHello,
-      unterminated,
-      innerNul,
-      Record(0, 1, "level zero"),
-      Record(7, 1, "level seven"),
-  };
-  for (const std::string& bytes : cases) {
+  for (const std::string& bytes : {
+           U16(5) + U16(3) + std::string(5, 'a'),    // unknown type
+           U16(10) + U16(1) + std::string(10, 'a'),  // record shorter than its fixed fields
+           U16(9000) + U16(1),                       // record longer than any text allows
+           U16(300) + U16(2) + std::string(300, 'a'), unterminated, innerNul, Record(0, 1, "level 0"),
+           Record(7, 1, "level 7")}) {
     logd::Decoded result = Decode(bytes);
     EXPECT_EQ(DecodeStatus::kMalformed, result.status) << result.problem;
     EXPECT_FALSE(result.problem.empty());
@@ -83,14 +74,9 @@ TEST(LogdDecoder, RejectsInconsistentMessages) {
 
 int ConnectTo(const std::string& path) {
   int fd = socket(AF_UNIX, SOCK_STREAM, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-  if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-    close(fd);
-    return -1;
-  }
-  return fd;
+  sockaddr_un address{AF_UNIX, {}};
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  return connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
 }
 
 TEST(LogdPeer, DropsABadClientAndServesTheOthers) {
@@ -98,10 +84,8 @@ TEST(LogdPeer, DropsABadClientAndServesTheOthers) {
   std::string socketPath = (folder / "sock").string();
   logclient_test::LogdPeerProcess peer(socketPath, folder.path());
   ASSERT_TRUE(peer.listening());
-  int good = ConnectTo(socketPath);
-  int bad = ConnectTo(socketPath);
-  ASSERT_GE(good, 0);
-  ASSERT_GE(bad, 0);
+  int good = ConnectTo(socketPath), bad = ConnectTo(socketPath);
+  ASSERT_TRUE(good >= 0 && bad >= 0);
   std::string garbage = U16(4) + U16(9) + "oops";
   ASSERT_EQ(static_cast<ssize_t>(garbage.size()), write(bad, garbage.data(), garbage.size()));
   char byte;

@@ -15,17 +15,10 @@
 namespace logclient_test {
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(10);
-
-void RedirectTo(const std::filesystem::path& file, int target) {
-  int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  if (fd >= 0) dup2(fd, target);
-}
-
-// Polls cond every 10 ms until it holds or patience runs out.
+// Polls every 10 ms until cond holds or 10 s have passed.
 template <typename Condition>
 bool WaitUntil(Condition cond) {
-  auto deadline = std::chrono::steady_clock::now() + kPatience;
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   while (!cond()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -37,22 +30,19 @@ bool WaitUntil(Condition cond) {
 
 std::string SocketPathFor(const std::string& home) { return home + "//.ORBClient/.nvxndclogsocket"; }
 
-LogdPeerProcess::LogdPeerProcess(const std::string& socketPath,
-                                 const std::filesystem::path& outputFolder)
+LogdPeerProcess::LogdPeerProcess(const std::string& socketPath, const std::filesystem::path& outputFolder)
     : out_(outputFolder / "peer.out"), err_(outputFolder / "peer.err") {
   std::filesystem::create_directories(std::filesystem::path(socketPath).parent_path());
   std::filesystem::create_directories(outputFolder);
   pid_ = fork();
   if (pid_ == 0) {
-    RedirectTo(out_, STDOUT_FILENO);
-    RedirectTo(err_, STDERR_FILENO);
+    dup2(open(out_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDOUT_FILENO);
+    dup2(open(err_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDERR_FILENO);
     execl(LOGD_PEER_PATH, "logd-peer", socketPath.c_str(), static_cast<char*>(nullptr));
     _exit(127);
   }
   listening_ = pid_ > 0 && WaitUntil([&] { return std::filesystem::exists(socketPath); });
 }
-
-LogdPeerProcess::~LogdPeerProcess() { Stop(); }
 
 int LogdPeerProcess::Stop() {
   if (pid_ <= 0) return -1;
@@ -79,4 +69,3 @@ std::vector<std::string> LogdPeerProcess::WaitForLines(size_t count) const {
 std::string LogdPeerProcess::Errors() const { return testsupport::ReadFile(err_); }
 
 }  // namespace logclient_test
-

@@ -13,12 +13,11 @@ class LogdPeerProcess {
  public:
   // Starts the peer and waits until its socket exists.
   LogdPeerProcess(const std::string& socketPath, const std::filesystem::path& outputFolder);
-  ~LogdPeerProcess();
+  ~LogdPeerProcess() { Stop(); }
   LogdPeerProcess(const LogdPeerProcess&) = delete;
   LogdPeerProcess& operator=(const LogdPeerProcess&) = delete;
 
   bool listening() const { return listening_; }
-  pid_t pid() const { return pid_; }
   // Output lines so far, after waiting (up to 10 s) for at least count of them.
   std::vector<std::string> WaitForLines(size_t count) const;
   std::string Errors() const;
@@ -30,8 +29,7 @@ class LogdPeerProcess {
 
   pid_t pid_ = -1;
   bool listening_ = false;
-  std::filesystem::path out_;
-  std::filesystem::path err_;
+  std::filesystem::path out_, err_;
 };
 
 // The per-user socket path below home, as the library computes it.

@@ -11,7 +11,6 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -24,38 +23,31 @@
 
 namespace {
 
-namespace fs = std::filesystem;
 using logclient_test::LogdPeerProcess;
 using logclient_test::SocketPathFor;
 using testsupport::TempDir;
 
 struct RecordLine {
-  int level = -1;
-  int logClass = -1;
+  int level = -1, logClass = -1;
   long tid = -1;
-  long seconds = -1;
   std::string text;
 };
 
 RecordLine ParseRecord(const std::string& line) {
   RecordLine record;
   int textStart = -1;
-  sscanf(line.c_str(), "record level=%d class=%d tid=%ld time=%ld.%*6u text=%n", &record.level,
-         &record.logClass, &record.tid, &record.seconds, &textStart);
+  sscanf(line.c_str(), "record level=%d class=%d tid=%ld time=%*d.%*6u text=%n", &record.level,
+         &record.logClass, &record.tid, &textStart);
   if (textStart > 0) record.text = line.substr(static_cast<size_t>(textStart));
   return record;
 }
 
-std::vector<std::string> Texts(const std::vector<std::string>& lines) {
+// The texts of all records after the hello, once at least count records arrived.
+std::vector<std::string> RecordTexts(const LogdPeerProcess& peer, size_t count) {
   std::vector<std::string> texts;
-  for (const std::string& line : lines) texts.push_back(ParseRecord(line).text);
+  auto lines = peer.WaitForLines(count + 1);
+  for (size_t i = 1; i < lines.size(); ++i) texts.push_back(ParseRecord(lines[i]).text);
   return texts;
-}
-
-// Writes one record of every level 0..7 to logClass, texts "L0".."L7".
-void WriteEveryLevel(int logClass) {
-  for (int level = 0; level <= 7; ++level)
-    log_write_class(logClass, level, "test", "levels", level, "L%d", level);
 }
 
 class RecordLink : public ::testing::Test {
@@ -65,15 +57,14 @@ class RecordLink : public ::testing::Test {
 };
 
 TEST_F(RecordLink, HelloAndRecordBytesOnTheWire) {
-  fs::create_directories(home / ".ORBClient");
+  std::filesystem::create_directories(home / ".ORBClient");
   int listener = socket(AF_UNIX, SOCK_STREAM, 0);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   strcpy(address.sun_path, socketPath.c_str());
   ASSERT_EQ(0, bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address));
   ASSERT_EQ(0, listen(listener, 4));
-  timeval before{};
-  gettimeofday(&before, nullptr);
+  uint32_t before = static_cast<uint32_t>(time(nullptr));
   std::string tidFile = (home / "tid").string();
   EXPECT_FORKED_PASS(home.str(), [&] {
     prctl(PR_SET_NAME, "rawtest");
@@ -89,14 +80,11 @@ TEST_F(RecordLink, HelloAndRecordBytesOnTheWire) {
   close(connection);
   close(listener);
 
-  const std::string identity = "norvex-logclient_tests";
-  std::string hello = std::string("\x19\x00\x02\x00\x00\x00", 6) + identity + '\0';
-  ASSERT_GE(bytes.size(), hello.size());
-  EXPECT_EQ(hello, bytes.substr(0, hello.size()));
-
-  std::string record = bytes.substr(hello.size());
+  std::string hello = std::string("\x19\x00\x02\x00\x00\x00", 6) + "norvex-logclient_tests" + '\0';
   const std::string text = "[rawtest]: raw 42";
-  ASSERT_EQ(4 + 14 + text.size() + 1, record.size());
+  ASSERT_EQ(hello.size() + 4 + 14 + text.size() + 1, bytes.size());
+  EXPECT_EQ(hello, bytes.substr(0, hello.size()));
+  std::string record = bytes.substr(hello.size());
   EXPECT_EQ(std::string("\x20\x00\x01\x00\x05\x00\x0c\x00", 8), record.substr(0, 8));
   uint16_t tid = 0;
   uint32_t seconds = 0, micros = 0;
@@ -104,7 +92,7 @@ TEST_F(RecordLink, HelloAndRecordBytesOnTheWire) {
   memcpy(&seconds, record.data() + 10, 4);
   memcpy(&micros, record.data() + 14, 4);
   EXPECT_EQ(static_cast<uint16_t>(std::stol(testsupport::ReadFile(tidFile))), tid);
-  EXPECT_GE(seconds, static_cast<uint32_t>(before.tv_sec));
+  EXPECT_GE(seconds, before);
   EXPECT_LE(seconds, static_cast<uint32_t>(time(nullptr)));
   EXPECT_LT(micros, 1000000u);
   EXPECT_EQ(text + '\0', record.substr(18));
@@ -116,17 +104,14 @@ TEST_F(RecordLink, LevelFilterFollowsTheClassLevels) {
   EXPECT_FORKED_PASS(home.str(), [] {
     ASSERT_EQ(1, log_client_init());
     log_clear_flags(LOG_FLAG_THREAD_NAME);
-    log_set_class_level(12, LOG_LEVEL_ERROR);
-    WriteEveryLevel(12);
-    log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end-error");
-    log_set_class_level(12, LOG_LEVEL_NONE);
-    WriteEveryLevel(12);
-    log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end-none");
-    // No class resolves once the root inherits from nothing.
-    log_set_class_level(12, LOG_LEVEL_INHERIT);
-    log_set_class_level(0, LOG_LEVEL_INHERIT);
-    WriteEveryLevel(12);
-    log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end-unresolved");
+    // ERROR, NONE, and no class resolving once the root inherits from nothing.
+    for (auto [own, root] : {std::pair{LOG_LEVEL_ERROR, LOG_LEVEL_ERROR}, {LOG_LEVEL_NONE, LOG_LEVEL_ERROR},
+                             {LOG_LEVEL_INHERIT, LOG_LEVEL_INHERIT}}) {
+      log_set_class_level(12, own);
+      log_set_class_level(0, root);
+      for (int level = 0; level <= 7; ++level) log_write_class(12, level, "test", "lv", level, "L%d", level);
+      log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end");
+    }
     // Unclassed messages are not filtered, but only take levels 1..5.
     log_set_class_level(0, LOG_LEVEL_NONE);
     for (int level = 0; level <= 7; ++level) log_write(level, "test", "plain", 0, "U%d", level);
@@ -134,77 +119,53 @@ TEST_F(RecordLink, LevelFilterFollowsTheClassLevels) {
     log_write_class(0, LOG_LEVEL_AOL, "test", nullptr, 0, "no origin");
     log_write_class(0, LOG_LEVEL_AOL, "test", "mark", 0, "end");
   });
-  std::vector<std::string> expected = {
-      "L4", "L5", "L6", "end-error", "L6", "end-none", "L6", "end-unresolved",
-      "U1", "U2", "U3", "U4", "U5", "end"};
-  auto lines = peer.WaitForLines(expected.size() + 1);
-  ASSERT_FALSE(lines.empty()) << peer.Errors();
-  lines.erase(lines.begin());  // the hello
-  EXPECT_EQ(expected, Texts(lines));
-  EXPECT_EQ(0, ParseRecord(lines.back()).logClass) << "unclassed records carry class 0";
+  std::vector<std::string> expected = {"L4", "L5", "L6", "end", "L6", "end", "L6", "end",
+                                       "U1", "U2", "U3", "U4", "U5", "end"};
+  EXPECT_EQ(expected, RecordTexts(peer, expected.size())) << peer.Errors();
+  auto lines = peer.WaitForLines(0);
+  EXPECT_EQ(0, ParseRecord(lines[lines.size() - 2]).logClass) << "unclassed records carry class 0";
 }
 
-TEST_F(RecordLink, ThreadNamePrefixAndLongTexts) {
+// Logs the message in the writer, or formats it with printf into expected.
+template <typename... Args>
+void Both(std::vector<std::string>* expected, const char* format, Args... args) {
+  char text[256];
+  if (expected == nullptr) log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, format, args...);
+  if (expected != nullptr && snprintf(text, sizeof text, format, args...) >= 0) expected->push_back(text);
+}
+
+void FormatCases(std::vector<std::string>* expected) {
+  Both(expected, "plain %s, 100%% sure", "text");
+  Both(expected, "%d %i %d %u", -42, 7, INT_MIN, 4000000000u);
+  Both(expected, "%ld %lld %lu %llu", LONG_MIN, LLONG_MIN, ULONG_MAX, 0ull);
+  Both(expected, "%zu %zd %x %X %lx", size_t{123}, ssize_t{-5}, 0xbeefu, 0xbeefu, 0xdeadbeeful);
+  const char* volatile none = nullptr;  // kept from the compiler's format checks
+  Both(expected, "%s|%s|%c%c", "word", none, 'o', 'k');
+  Both(expected, "%5d|%-4s|%.2f|%03x|%p", 42, "ab", 2.5, 7u, static_cast<void*>(nullptr));
+  Both(expected, "%s", "");
+}
+
+// The writer formats common conversions itself and must agree with printf.
+TEST_F(RecordLink, TextsAreFormattedAsPrintfWouldWithTheThreadNameAndCut) {
   LogdPeerProcess peer(socketPath, home.path());
   ASSERT_TRUE(peer.listening());
-  EXPECT_FORKED_PASS(home.str(), [] {
+  std::string longText(9000, 'x'), filler(8189, 'x');
+  std::vector<std::string> expected = {"[worker-7]: named line", "[worker-7]: " + longText.substr(0, 8179)};
+  FormatCases(&expected);
+  for (const std::string& text : {std::string(8191, 'x'), std::string("bare\\nline"), filler + "12"})
+    expected.push_back(text);
+  EXPECT_FORKED_PASS(home.str(), [&] {
     prctl(PR_SET_NAME, "worker-7");
     ASSERT_EQ(1, log_client_init());
     log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "named %s", "line");
-    std::string longText(9000, 'x');
     log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "%s", longText.c_str());
     log_clear_flags(LOG_FLAG_THREAD_NAME);
+    FormatCases(nullptr);
     log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "%s", longText.c_str());
     log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "bare\nline");
-  });
-  auto lines = peer.WaitForLines(5);
-  ASSERT_EQ(5u, lines.size()) << peer.Errors();
-  EXPECT_EQ("[worker-7]: named line", ParseRecord(lines[1]).text);
-  EXPECT_EQ("[worker-7]: " + std::string(8191 - 12, 'x'), ParseRecord(lines[2]).text);
-  EXPECT_EQ(std::string(8191, 'x'), ParseRecord(lines[3]).text);
-  EXPECT_EQ("bare\\nline", ParseRecord(lines[4]).text);
-}
-
-TEST_F(RecordLink, TextsAreFormattedAsPrintfWould) {
-  LogdPeerProcess peer(socketPath, home.path());
-  ASSERT_TRUE(peer.listening());
-  std::vector<std::string> expected;
-  auto expect = [&](auto... args) {
-    char text[256];
-    snprintf(text, sizeof text, args...);
-    expected.push_back(text);
-  };
-  // The writer formats common conversions itself and must agree with printf:
-  // the same cases are printed here and logged in the child.
-#define BOTH(...)                                                   \
-  if (send)                                                         \
-    log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, __VA_ARGS__); \
-  else                                                              \
-    expect(__VA_ARGS__)
-  auto cases = [&](bool send) {
-    BOTH("plain text, 100%% sure");
-    BOTH("%d %i %d %u", -42, 7, INT_MIN, 4000000000u);
-    BOTH("%ld %lld %lu %llu", LONG_MIN, LLONG_MIN, ULONG_MAX, 0ull);
-    BOTH("%zu %zd %x %X %lx", size_t{123}, ssize_t{-5}, 0xbeefu, 0xbeefu, 0xdeadbeeful);
-    const char* volatile none = nullptr;  // kept from the compiler's format checks
-    BOTH("%s|%s|%c%c", "word", none, 'o', 'k');
-    BOTH("%5d|%-4s|%.2f|%03x|%p", 42, "ab", 2.5, 7u, static_cast<void*>(nullptr));
-    BOTH("%s", "");
-  };
-  cases(false);
-  EXPECT_FORKED_PASS(home.str(), [&] {
-    ASSERT_EQ(1, log_client_init());
-    log_clear_flags(LOG_FLAG_THREAD_NAME);
-    cases(true);
-    std::string filler(8189, 'x');
     log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, "%s%d", filler.c_str(), 12345);
   });
-#undef BOTH
-  expected.push_back(std::string(8189, 'x') + "12");
-  auto lines = peer.WaitForLines(expected.size() + 1);
-  ASSERT_EQ(expected.size() + 1, lines.size()) << peer.Errors();
-  lines.erase(lines.begin());
-  EXPECT_EQ(expected, Texts(lines));
+  EXPECT_EQ(expected, RecordTexts(peer, expected.size())) << peer.Errors();
 }
 
 TEST_F(RecordLink, LinkStaysDownAfterThePeerGoes) {
@@ -230,8 +191,7 @@ TEST_F(RecordLink, LinkStaysDownAfterThePeerGoes) {
     EXPECT_EQ(1, log_client_init());
     second.Stop();
     EXPECT_EQ("", testsupport::ReadFile(home.path() / "second/peer.out")) << "no reconnection";
-    std::vector<std::string> expected = {"syslog 6 later", "syslog 3 Failed to connect with logd."};
-    EXPECT_EQ(expected, calls);
+    EXPECT_EQ(std::vector<std::string>({"syslog 6 later", "syslog 3 Failed to connect with logd."}), calls);
   });
 }
 
@@ -239,34 +199,26 @@ TEST_F(RecordLink, SecondProgramSaysHelloWithItsIdentityCut) {
   LogdPeerProcess peer(socketPath, home.path());
   ASSERT_TRUE(peer.listening());
   testsupport::ScopedEnv homeForProbe("HOME", home.str().c_str());
-  fs::path longName = home / "probe_with_a_rather_long_program_name";
-  fs::create_symlink(LOGCLIENT_PROBE_PATH, longName);
+  std::filesystem::path longName = home / "probe_with_a_rather_long_program_name";
+  std::filesystem::create_symlink(LOGCLIENT_PROBE_PATH, longName);
   testsupport::RunAndCapture(longName.string() + " write from-probe");
   auto lines = peer.WaitForLines(2);
   ASSERT_EQ(2u, lines.size()) << peer.Errors();
-  std::string identity = "norvex-probe_with_a_rather_long";
-  ASSERT_EQ(31u, identity.size());
-  EXPECT_EQ("hello " + identity + " client=0", lines[0]);
+  EXPECT_EQ("hello norvex-probe_with_a_rather_long client=0", lines[0]) << "31 characters";
   RecordLine record = ParseRecord(lines[1]);
   EXPECT_EQ(LOG_LEVEL_AOL, record.level);
-  EXPECT_EQ("[" + longName.filename().string().substr(0, 15) + "]: from-probe", record.text);
+  EXPECT_EQ("[probe_with_a_ra]: from-probe", record.text);
 }
 
-class SystemLog : public ::testing::Test {
- protected:
+TEST(SystemLog, TakesMessagesWhileLogdIsAwayUnlessTheAreaWasOpenedFirst) {
   TempDir home;
-  std::vector<std::string>& calls = logclient_test::SystemLogCalls();
-};
-
-TEST_F(SystemLog, TakesMessagesWhileLogdIsAway) {
+  auto& calls = logclient_test::SystemLogCalls();
   EXPECT_FORKED_PASS(home.str(), [&] {
     calls.clear();
     EXPECT_EQ(1, log_client_init());
     EXPECT_EQ(1, log_client_init());
-    for (int level = 1; level <= 6; ++level)
-      log_write_class(5, level, "test", "classed", 0, "classed %d", level);
-    for (int level = 1; level <= 5; ++level)
-      log_write(level, "test", "unclassed", 0, "unclassed %d", level);
+    for (int level = 1; level <= 6; ++level) log_write_class(5, level, "test", "c", 0, "classed %d", level);
+    for (int level = 1; level <= 5; ++level) log_write(level, "test", "u", 0, "unclassed %d", level);
     log_client_shutdown();
     std::vector<std::string> expected = {
         "openlog norvex-logclient_tests 3 8", "setlogmask 127",
@@ -277,17 +229,13 @@ TEST_F(SystemLog, TakesMessagesWhileLogdIsAway) {
         "syslog 3 unclassed 4", "syslog 1 unclassed 5", "closelog"};
     EXPECT_EQ(expected, calls);
   });
-}
-
-TEST_F(SystemLog, ConfigOpenedFirstMeansNoSystemLogOfItsOwn) {
   EXPECT_FORKED_PASS(home.str(), [&] {
     calls.clear();
     ASSERT_EQ(1, log_config_open());
     EXPECT_EQ(0, log_client_init());
     log_write_class(5, LOG_LEVEL_FATAL, "test", "classed", 0, "nowhere");
     log_write(LOG_LEVEL_FATAL, "test", "unclassed", 0, "nowhere");
-    std::vector<std::string> expected = {"syslog 3 Failed to connect with logd."};
-    EXPECT_EQ(expected, calls);
+    EXPECT_EQ(std::vector<std::string>({"syslog 3 Failed to connect with logd."}), calls);
   });
 }
 
@@ -309,8 +257,7 @@ TEST(RecordFromTestProcess, TestProcessAndItsForkedChildShareTheLink) {
   log_client_shutdown();
   ASSERT_EQ(3u, lines.size()) << peer.Errors();
   EXPECT_EQ("hello norvex-logclient_tests client=0", lines[0]);
-  RecordLine own = ParseRecord(lines[1]);
-  RecordLine child = ParseRecord(lines[2]);
+  RecordLine own = ParseRecord(lines[1]), child = ParseRecord(lines[2]);
   EXPECT_EQ(static_cast<uint16_t>(gettid()), own.tid);
   EXPECT_EQ(static_cast<uint16_t>(std::stol(testsupport::ReadFile(childTidFile))), child.tid);
   EXPECT_EQ(7, child.logClass);

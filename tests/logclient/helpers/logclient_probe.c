@@ -1,5 +1,5 @@
-/* A second program using the library: "write TEXT" initialises it and sends
- * TEXT as an always-on record; "root" prints the install root it finds. */
+/* A second program using the library: "write TEXT" sends TEXT as an
+ * always-on record; "root" prints the install root it finds. */
 #include <stdio.h>
 #include <string.h>
 
@@ -10,11 +10,8 @@ int main(int argc, char** argv) {
     log_client_init();
     log_write_class(0, LOG_LEVEL_AOL, "probe", "main", 1, "%s", argv[2]);
     log_client_shutdown();
-    return 0;
-  }
-  if (argc == 2 && strcmp(argv[1], "root") == 0) {
+  } else if (argc == 2 && strcmp(argv[1], "root") == 0) {
     printf("%s", client_install_root());
-    return 0;
   }
-  return 2;
+  return 0;
 }
