@@ -1,0 +1,114 @@
+// Starts logmgr and a minimal GTK 3 window the same way (same environment,
+// same preloaded shim, alternating runs) and reports, as medians, the time
+// from fork to the first drawn frame and the peak resident memory at that
+// frame. Needs a display (bench/run starts Xvfb).
+#include <signal.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Frame {
+  double milliseconds = -1;
+  long peakKb = -1;
+};
+
+long long MonotonicNs() {
+  timespec now;
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return now.tv_sec * 1000000000LL + now.tv_nsec;
+}
+
+// A client install root that logmgr accepts, with the window description,
+// style sheet and images of the source tree.
+void MakeInstallRoot(const fs::path& root) {
+  for (const char* name : {"KeywardDaemon", "SvcLedger", "PrimaryKeyward", "util/shelfscan"}) {
+    fs::create_directories((root / name).parent_path());
+    std::ofstream(root / name) << "";
+  }
+  fs::create_directory_symlink(fs::path(NORVEX_SOURCE_DIR) / "gtk", root / "gtk");
+  fs::create_directory_symlink(fs::path(NORVEX_SOURCE_DIR) / "icons", root / "icons");
+}
+
+// One start of program with the shim; the frame it noted, or nothing.
+Frame RunOnce(const char* program, const fs::path& frameFile) {
+  fs::remove(frameFile);
+  const long long started = MonotonicNs();
+  pid_t child = fork();
+  if (child == 0) {
+    setenv("LD_PRELOAD", FIRST_FRAME_SHIM, 1);
+    setenv("FIRST_FRAME_OUT", frameFile.c_str(), 1);
+    execl(program, program, static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  int status = 0;
+  for (int waited = 0; waitpid(child, &status, WNOHANG) == 0; ++waited) {
+    if (waited > 3000) {  // 30 s: the program never drew
+      kill(child, SIGKILL);
+      waitpid(child, &status, 0);
+      return {};
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  std::ifstream in(frameFile);
+  long long drawn = 0;
+  Frame frame;
+  if (in >> drawn >> frame.peakKb) frame.milliseconds = (drawn - started) / 1e6;
+  return frame;
+}
+
+template <typename T>
+T Median(std::vector<T> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int runs = argc > 1 ? atoi(argv[1]) : 11;
+  char scratch[] = "/tmp/first-frame-XXXXXX";
+  if (mkdtemp(scratch) == nullptr || getenv("DISPLAY") == nullptr) {
+    fprintf(stderr, "first_frame_bench: needs a scratch folder and a DISPLAY\n");
+    return 1;
+  }
+  const fs::path top(scratch);
+  fs::create_directories(top / "home");
+  MakeInstallRoot(top / "root");
+  setenv("HOME", (top / "home").c_str(), 1);
+  setenv("ORBROOT", (top / "root").c_str(), 1);
+  setenv("NO_AT_BRIDGE", "1", 1);
+  setenv("GSETTINGS_BACKEND", "memory", 1);
+
+  std::vector<double> ours, floor;
+  std::vector<long> oursKb, floorKb;
+  for (int i = -1; i < runs; ++i) {  // run -1 warms the caches and is not counted
+    const Frame a = RunOnce(LOGMGR, top / "frame");
+    const Frame b = RunOnce(MINIMAL_WINDOW, top / "frame");
+    if (a.milliseconds < 0 || b.milliseconds < 0) {
+      fprintf(stderr, "first_frame_bench: a program drew no frame\n");
+      return 1;
+    }
+    if (i < 0) continue;
+    ours.push_back(a.milliseconds);
+    floor.push_back(b.milliseconds);
+    oursKb.push_back(a.peakKb);
+    floorKb.push_back(b.peakKb);
+  }
+  printf("first_frame logmgr_ms=%.2f minimal_ms=%.2f logmgr_hwm_kb=%ld minimal_hwm_kb=%ld runs=%d\n",
+         Median(ours), Median(floor), Median(oursKb), Median(floorKb), runs);
+  fs::remove_all(top);
+  return 0;
+}
