@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
 
-#include <clocale>
-
 #include "host/install_root.h"
 #include "support/fake_root.h"
 #include "support/files.h"
@@ -51,15 +49,4 @@ TEST_F(ClientVersion, IdentityLineNamesVersionKernelAndSystem) {
   WriteVersionFile("");
   EXPECT_EQ(BuildClientIdentity().rfind("NorvexBeacon Linux/", 0), 0u);
   EXPECT_EQ(BuildProductToken(""), "NDC");
-}
-
-TEST(WideText, ConvertsInTheLocaleAndCutsToEightBits) {
-  std::string previous = setlocale(LC_CTYPE, nullptr);
-  ASSERT_NE(setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-  EXPECT_EQ(std::wstring(ToWideString("caf\xc3\xa9")), L"caf\u00e9");
-  EXPECT_EQ(ToNarrowString(L"caf\u00e9\u0141"), "caf\xe9\x41");
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(std::wstring(ToWideString("bad\xff")), L"");
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "errorerror");
-  setlocale(LC_CTYPE, previous.c_str());
 }

@@ -99,7 +99,7 @@ TEST(ClientTempDirectory, FallsBackToTmpFolders) {
     fs::remove("/tmp/" + user);
   }
   ScopedEnv emptyHome("HOME", "");
-  EXPECT_EQ(GetClientTempDirectory(), "/tmp");
+  EXPECT_EQ(GetClientTempDirectory(), "/tmp") << "an empty HOME is kept, not looked up";
 }
 
 // As nobody in a home it may enter but not write; its standard error goes to a file it owns.

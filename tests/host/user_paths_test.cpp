@@ -1,26 +1,11 @@
 #include "host/user_paths.h"
 
 #include <gtest/gtest.h>
-#include <pwd.h>
-#include <unistd.h>
 
 #include "support/files.h"
 #include "support/temp_dir.h"
 
 using testsupport::ScopedEnv;
-
-TEST(HomeAndUser, EmptyHomeIsKeptButUnsetHomeFallsBackToPasswordEntry) {
-  const passwd* entry = getpwuid(getuid());
-  ASSERT_NE(entry, nullptr);
-  std::string passwordHome = entry->pw_dir, passwordName = entry->pw_name;
-  {
-    ScopedEnv home("HOME", "");
-    EXPECT_EQ(GetHomeDirectory(), "");
-  }
-  ScopedEnv home("HOME", nullptr), user("USER", nullptr);
-  EXPECT_EQ(GetHomeDirectory(), passwordHome);
-  EXPECT_EQ(GetUserName(), passwordName);
-}
 
 TEST(ExecutableOnPath, OthersExecuteBitOverlongElementsAndEmptyElements) {
   testsupport::TempDir dir;

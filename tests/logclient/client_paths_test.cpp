@@ -54,12 +54,11 @@ TEST(ClientPaths, FoldersAreMadeWithTheirParentsOrTheUserPathIsEmpty) {
 
 TEST(ClientPaths, RecentMeansModifiedWithinADay) {
   TempDir scratch;
-  fs::path file = scratch / "ORBClient.log";
-  WriteFile(file, "x");
-  EXPECT_EQ(1, file_is_recent(file.c_str()));
+  WriteFile(scratch / "log", "x");
+  EXPECT_EQ(1, file_is_recent((scratch / "log").c_str()));
   timespec times[2] = {{time(nullptr) - 86400 - 60, 0}, {time(nullptr) - 86400 - 60, 0}};
-  ASSERT_EQ(0, utimensat(AT_FDCWD, file.c_str(), times, 0));
-  EXPECT_EQ(0, file_is_recent(file.c_str()));
+  ASSERT_EQ(0, utimensat(AT_FDCWD, (scratch / "log").c_str(), times, 0));
+  EXPECT_EQ(0, file_is_recent((scratch / "log").c_str()));
   EXPECT_EQ(0, file_is_recent((scratch / "missing").c_str()));
 }
 

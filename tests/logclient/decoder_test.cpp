@@ -34,27 +34,6 @@ logd::Decoded Decode(const std::string& bytes) {
   return DecodeMessage(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 
-TEST(LogdDecoder, DecodesMessagesOnlyOnceComplete) {
-  std::string stream = Hello("norvex-collector") + Record(4, 12, "disk\nfull");
-  size_t helloSize = Hello("norvex-collector").size();
-  for (size_t cut = 0; cut < helloSize; ++cut)
-    EXPECT_EQ(DecodeStatus::kIncomplete, Decode(stream.substr(0, cut)).status) << cut;
-
-  logd::Decoded hello = Decode(stream);
-  ASSERT_EQ(DecodeStatus::kHello, hello.status);
-  EXPECT_EQ(helloSize, hello.consumed);
-  EXPECT_EQ("hello norvex-collector client=0", logd::DescribeMessage(hello));
-
-  std::string rest = stream.substr(helloSize);
-  EXPECT_EQ(DecodeStatus::kIncomplete, Decode(rest.substr(0, rest.size() - 1)).status);
-  logd::Decoded record = Decode(rest);
-  ASSERT_EQ(DecodeStatus::kRecord, record.status);
-  EXPECT_EQ(rest.size(), record.consumed);
-  EXPECT_EQ(4321, record.record.threadId);
-  EXPECT_EQ("record level=4 class=12 tid=4321 time=1700000000.000042 text=disk\\nfull",
-            logd::DescribeMessage(record));
-}
-
 TEST(LogdDecoder, RejectsInconsistentMessages) {
   std::string unterminated = Record(3, 1, "abc"), innerNul = Record(3, 1, "abc");
   unterminated.back() = 'x';
