@@ -45,17 +45,33 @@ class TarFaultTest : public apptest::WindowTest, public testing::WithParamInterf
   }
   void Click(GtkWidget* button) { gtk_button_clicked(GTK_BUTTON(button)); }
 
-  // An archive made before (by an earlier, successful collection) stays what
-  // it was and is never offered as the result of this one.
-  void ExpectNothingOffered(const DialogRecord& error, bool chooserSeen, const std::string& stderrText) {
-    ASSERT_TRUE(error.seen);
-    EXPECT_EQ(MessageText(error), kArchiveFailed);
-    EXPECT_EQ(error.iconName, "dialog-error");
-    EXPECT_FALSE(chooserSeen);
+  struct Outcome {
+    DialogRecord error;
+    bool chooserSeen = false;
+    std::string stderrText;
+  };
+
+  // Clicks button with the next file chooser cancelled (it must not come),
+  // the next message accepted and standard error captured.
+  void ClickAnswered(GtkWidget* button, Outcome& outcome) {
+    testsupport::SaveAsInNextFileChooser("", &outcome.chooserSeen);
+    testsupport::AnswerNextDialog(GTK_RESPONSE_ACCEPT, &outcome.error);
+    CaptureStderr();
+    Click(button);
+    outcome.stderrText = GetCapturedStderr();
+  }
+
+  // An archive made before (by an earlier, successful collection) is never
+  // offered as the result of this one.
+  void ExpectNothingOffered(const Outcome& outcome) {
+    ASSERT_TRUE(outcome.error.seen);
+    EXPECT_EQ(MessageText(outcome.error), kArchiveFailed);
+    EXPECT_EQ(outcome.error.iconName, "dialog-error");
+    EXPECT_FALSE(outcome.chooserSeen);
     EXPECT_FALSE(Visible(app_->saveButton));
     EXPECT_FALSE(Visible(app_->lastLogLabel));
     EXPECT_EQ(app_->lastSavedText, "");
-    EXPECT_NE(stderrText.find(GetParam().statusLine), std::string::npos) << stderrText;
+    EXPECT_NE(outcome.stderrText.find(GetParam().statusLine), std::string::npos) << outcome.stderrText;
   }
 
   std::unique_ptr<testsupport::ScopedEnv> pathEnv_;
@@ -63,17 +79,9 @@ class TarFaultTest : public apptest::WindowTest, public testing::WithParamInterf
 
 TEST_P(TarFaultTest, CollectingExistingLogsReportsTheFailureAndOffersNoArchive) {
   WriteFile(app_->existingArchive, "earlier archive");
-  DialogRecord error;
-  bool chooserSeen = false;
-  std::string stderrText;
-  RunWindow([&](GtkWidget*) {
-    testsupport::SaveAsInNextFileChooser("", &chooserSeen);
-    testsupport::AnswerNextDialog(GTK_RESPONSE_ACCEPT, &error);
-    CaptureStderr();
-    Click(app_->existingLogButton);
-    stderrText = GetCapturedStderr();
-  });
-  ExpectNothingOffered(error, chooserSeen, stderrText);
+  Outcome outcome;
+  RunWindow([&](GtkWidget*) { ClickAnswered(app_->existingLogButton, outcome); });
+  ExpectNothingOffered(outcome);
   EXPECT_EQ(app_->saveButtonIsView, 0);
   if (GetParam().fakeTar == nullptr) {
     EXPECT_EQ(ReadFile(app_->existingArchive), "earlier archive");
@@ -82,19 +90,13 @@ TEST_P(TarFaultTest, CollectingExistingLogsReportsTheFailureAndOffersNoArchive) 
 
 TEST_P(TarFaultTest, StoppingARunReportsTheFailureAndReturnsToIdle) {
   WriteFile(app_->issueArchive, "earlier issue archive");
-  DialogRecord error;
-  bool chooserSeen = false;
-  std::string stderrText;
+  Outcome outcome;
   RunWindow([&](GtkWidget*) {
     Click(app_->startStopButton);
     ASSERT_EQ(app_->collecting, 1);
-    testsupport::SaveAsInNextFileChooser("", &chooserSeen);
-    testsupport::AnswerNextDialog(GTK_RESPONSE_ACCEPT, &error);
-    CaptureStderr();
-    Click(app_->startStopButton);
-    stderrText = GetCapturedStderr();
+    ClickAnswered(app_->startStopButton, outcome);
   });
-  ExpectNothingOffered(error, chooserSeen, stderrText);
+  ExpectNothingOffered(outcome);
   EXPECT_EQ(app_->collecting, 0);
   EXPECT_TRUE(Visible(app_->existingLogButton));
   EXPECT_EQ(LabelText(app_->startStopButton), "Start collecting logs");
