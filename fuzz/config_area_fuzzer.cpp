@@ -47,6 +47,8 @@ void CheckMappedValues(const std::string& input) {
     for (int c = 0; c < LOG_CLASS_COUNT; ++c)
       FUZZ_CHECK(log_get_class_level(c) == static_cast<int32_t>(WordAt(input, 4 + 4 * c)));
     FUZZ_CHECK(memcmp(log_get_shared_path(), input.data() + kPathOffset, kPathSize) == 0);
+    FUZZ_CHECK(log_get_tuning_a() == static_cast<int32_t>(WordAt(input, 500)));
+    FUZZ_CHECK(log_get_tuning_b() == static_cast<int32_t>(WordAt(input, 504)));
     FUZZ_CHECK(log_get_tuning_c() == static_cast<int32_t>(WordAt(input, 508)));
   } else {
     FUZZ_CHECK(flags == 0x167F);
@@ -65,6 +67,8 @@ void CheckGetters() {
     FUZZ_CHECK((log_get_class_name(c) != nullptr) == valid);
     FUZZ_CHECK((log_get_class_display_name(c) != nullptr) == valid);
     FUZZ_CHECK((log_get_class_parent(c) >= -1) && (valid || log_get_class_parent(c) == -1));
+    // Defaults come from the process's own image, whatever the file held.
+    FUZZ_CHECK(log_get_default_level(c) == (!valid ? -1 : c == 0 ? LOG_LEVEL_ERROR : 0));
     const int effective = log_get_effective_level(c);
     if (!valid) {
       FUZZ_CHECK(log_get_class_level(c) == -1 && effective == -1);
@@ -76,8 +80,13 @@ void CheckGetters() {
     for (int level = 1; level <= LOG_LEVEL_AOL; ++level)
       log_write_class(c, level, "fuzz", "area", 0, "class %d level %d", c, level);
   }
-  for (int level = -1; level <= 8; ++level)
+  for (int level = -1; level <= 8; ++level) {
     FUZZ_CHECK((log_get_level_name(level) != nullptr) == (level >= 0 && level <= 7));
+    FUZZ_CHECK((log_get_level_display_name(level) != nullptr) == (level >= 0 && level <= 7));
+  }
+  uint32_t defaults = 0;
+  FUZZ_CHECK(log_get_default_flags(&defaults) == 1 && defaults == 0x167F);
+  FUZZ_CHECK(log_get_flags(nullptr) == 0 && log_get_default_flags(nullptr) == 0);
 }
 
 void CheckSetters(const uint8_t* data, size_t size) {
