@@ -44,16 +44,6 @@ void EngineTest::UseToolsOnly(std::initializer_list<const char*> tools) {
   pathEnv_ = std::make_unique<testsupport::ScopedEnv>("PATH", path.c_str());
 }
 
-std::string ShownMessage(const std::string& recordedText, const std::vector<std::string>& buttons) {
-  std::string text = recordedText;
-  for (auto button = buttons.rbegin(); button != buttons.rend(); ++button) {
-    const std::string line = "\n" + *button;
-    if (text.size() >= line.size() && text.compare(text.size() - line.size(), line.size(), line) == 0)
-      text.resize(text.size() - line.size());
-  }
-  return text;
-}
-
 int RunInChild(const std::function<int()>& body, const fs::path& stderrFile) {
   fflush(nullptr);
   const pid_t child = fork();

@@ -6,9 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include "app/app.h"
 #include "support/temp_dir.h"
@@ -36,10 +34,6 @@ class EngineTest : public ::testing::Test {
   std::unique_ptr<testsupport::ScopedEnv> pathEnv_;
   std::unique_ptr<App> app_;
 };
-
-// The message of a recorded dialog without the button labels that the
-// record reads after it.
-std::string ShownMessage(const std::string& recordedText, const std::vector<std::string>& buttons);
 
 // Runs body in a forked child (for process-wide changes such as signal
 // dispositions or limits) with stderr sent to stderrFile; body's result, or -1.

@@ -9,16 +9,13 @@ using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 using StagingTest = EngineTest;
 
-TEST_F(StagingTest, IssueFolderIsMadeWithEveryMissingLevel) {
+TEST_F(StagingTest, IssueFolderIsMadeWithEveryLevelAndAFileInItsPlaceIsNoFolder) {
   EXPECT_FALSE(app_->IssueReproduceFolderExists());
   EXPECT_TRUE(app_->CreateIssueReproduceFolder());
   EXPECT_TRUE(app_->IssueReproduceFolderExists());
-  EXPECT_TRUE(fs::is_directory(app_->issueFolder));
-  // An existing folder is no error.
   EXPECT_TRUE(app_->CreateIssueReproduceFolder());
-}
 
-TEST_F(StagingTest, AFileWhereTheIssueFolderBelongsIsNotAFolder) {
+  fs::remove_all(app_->issueFolder);
   testsupport::WriteFile(app_->logsFolder / "issuereproduce", "not a folder");
   EXPECT_FALSE(app_->IssueReproduceFolderExists());
   CaptureStderr();
@@ -26,25 +23,21 @@ TEST_F(StagingTest, AFileWhereTheIssueFolderBelongsIsNotAFolder) {
   EXPECT_NE(GetCapturedStderr().find("Child process terminated with exit status: 1\n"), std::string::npos);
 }
 
-TEST_F(StagingTest, EachLatestFileAloneCountsAsRecentLogs) {
-  MakeClientFolders();
-  for (const fs::path* file : {&app_->issueClientLog, &app_->issueKeywardLog, &app_->issueKvlogLatest,
-                               &app_->issueActivityLogLatest}) {
-    testsupport::WriteFile(*file, "earlier run\n");
-    CaptureStderr();
-    EXPECT_TRUE(app_->RecentLogsExist()) << *file;
-    GetCapturedStderr();
-    fs::remove(*file);
-  }
-}
-
-TEST_F(StagingTest, OtherFilesAreNotRecentLogs) {
+TEST_F(StagingTest, EachLatestFileAloneCountsAsRecentLogsAndNothingElse) {
   MakeClientFolders();
   for (const char* name : {"kvlog.1", "userActivitylog.3", "UserSystemInfo.txt", "NorvexDeskline-IssueLogs.tar.gz"})
     testsupport::WriteFile(app_->issueFolder / name, "x");
   CaptureStderr();
   EXPECT_FALSE(app_->RecentLogsExist());
-  GetCapturedStderr();
+  for (const fs::path* file : {&app_->issueClientLog, &app_->issueKeywardLog, &app_->issueKvlogLatest,
+                               &app_->issueActivityLogLatest}) {
+    testsupport::WriteFile(*file, "earlier run\n");
+    EXPECT_TRUE(app_->RecentLogsExist()) << *file;
+    fs::remove(*file);
+  }
+  // No system client log to refresh from: only a status line.
+  EXPECT_NE(GetCapturedStderr().find("Child process terminated with exit status: 1\n"), std::string::npos);
+  EXPECT_FALSE(fs::exists(app_->existingClientLog));
 }
 
 TEST_F(StagingTest, TheClientLogIsRefreshedWhateverTheAnswer) {
@@ -53,25 +46,12 @@ TEST_F(StagingTest, TheClientLogIsRefreshedWhateverTheAnswer) {
   testsupport::WriteFile(app_->existingClientLog, "stale copy\n");
   EXPECT_FALSE(app_->RecentLogsExist());
   EXPECT_EQ(testsupport::ReadFile(app_->existingClientLog), "fresh system log\n");
-}
-
-TEST_F(StagingTest, AMissingSystemLogOnlyLeavesAStatusLine) {
-  MakeClientFolders();
-  testsupport::WriteFile(app_->issueKvlogLatest, "x");
-  CaptureStderr();
-  EXPECT_TRUE(app_->RecentLogsExist());
-  EXPECT_NE(GetCapturedStderr().find("Child process terminated with exit status: 1\n"), std::string::npos);
-  EXPECT_FALSE(fs::exists(app_->existingClientLog));
-}
-
-TEST_F(StagingTest, StagingCopiesIntoAnIssueFolderItMakes) {
-  fs::create_directories(app_->logsFolder);
   testsupport::WriteFile(app_->existingKeywardLog, "keyward\n");
-  testsupport::WriteFile(app_->systemClientLog, "client\n");
+  fs::remove_all(app_->issueFolder);
   EXPECT_TRUE(app_->StageKeywardLog());
   EXPECT_TRUE(app_->StageClientLog());
   EXPECT_EQ(testsupport::ReadFile(app_->issueKeywardLog), "keyward\n");
-  EXPECT_EQ(testsupport::ReadFile(app_->issueClientLog), "client\n");
+  EXPECT_EQ(testsupport::ReadFile(app_->issueClientLog), "fresh system log\n");
 }
 
 TEST_F(StagingTest, MarkerIsCreatedEmptyKeptAsFoundAndRemoved) {
@@ -80,11 +60,9 @@ TEST_F(StagingTest, MarkerIsCreatedEmptyKeptAsFoundAndRemoved) {
   EXPECT_TRUE(app_->EnableKvlog());
   ASSERT_TRUE(fs::exists(marker));
   EXPECT_EQ(fs::file_size(marker), 0u);
-
   testsupport::WriteFile(marker, "left by the client");
   EXPECT_TRUE(app_->EnableKvlog());
   EXPECT_EQ(testsupport::ReadFile(marker), "left by the client");
-
   EXPECT_TRUE(app_->DisableKvlog());
   EXPECT_FALSE(fs::exists(marker));
   EXPECT_TRUE(app_->DisableKvlog());

@@ -15,8 +15,11 @@ struct Watch {
 
 // A file chooser learns its folder asynchronously and ignores an answer given
 // before that, so it only counts as shown once the folder is known.
-bool IsReady(GtkWidget* window) {
+// A plain dialog type never matches a file chooser, so a message answerer set
+// up before a chooser opens waits for the message that follows it.
+bool IsReady(GtkWidget* window, GType type) {
   if (!GTK_IS_FILE_CHOOSER(window)) return true;
+  if (type == GTK_TYPE_DIALOG) return false;
   gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
   const bool known = folder != nullptr;
   g_free(folder);
@@ -29,7 +32,7 @@ GtkDialog* FindVisibleDialog(GType type) {
   for (GList* item = toplevels; item; item = item->next) {
     GtkWidget* window = GTK_WIDGET(item->data);
     if (G_TYPE_CHECK_INSTANCE_TYPE(window, type) && gtk_widget_get_visible(window) &&
-        gtk_widget_get_mapped(window) && IsReady(window)) {
+        gtk_widget_get_mapped(window) && IsReady(window, type)) {
       found = GTK_DIALOG(window);
       break;
     }
@@ -80,6 +83,14 @@ std::string FindIconName(GtkWidget* widget) {
   return result;
 }
 
+// The content box holds the button row after the message.
+std::string WithoutButtons(std::string text, const std::vector<std::string>& buttons) {
+  for (auto button = buttons.rbegin(); button != buttons.rend(); ++button) {
+    const std::string tail = "\n" + *button;
+    if (text.ends_with(tail)) text.resize(text.size() - tail.size());
+  }
+  return text;
+}
 
 // The chooser changes folder asynchronously; an accept that comes before the
 // folder is shown is swallowed by its own checks, so wait for it first.
@@ -146,6 +157,7 @@ void AnswerNextDialog(int response, DialogRecord* record) {
       G_GNUC_BEGIN_IGNORE_DEPRECATIONS
       CollectButtons(gtk_dialog_get_action_area(dialog), record->buttons);
       G_GNUC_END_IGNORE_DEPRECATIONS
+      record->message = WithoutButtons(record->text, record->buttons);
     }
     gtk_dialog_response(dialog, response);
   });

@@ -12,7 +12,8 @@ namespace testsupport {
 
 // Runs act once on the first visible dialog of the given type (polled every
 // 20 ms while the code under test spins its nested loop). The poll stops after
-// timeoutMs; *seen (if given) tells whether it fired.
+// timeoutMs; *seen (if given) tells whether it fired. The default type
+// matches dialogs other than file choosers.
 void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type = GTK_TYPE_DIALOG,
                        int timeoutMs = 10000, bool* seen = nullptr);
 
@@ -22,6 +23,7 @@ struct DialogRecord {
   std::string title;
   std::string text;                  // all label texts of the content area, joined by "\n"
   std::vector<std::string> buttons;  // button labels in order
+  std::string message;               // text without the button labels
   std::string iconName;
 };
 void AnswerNextDialog(int response, DialogRecord* record = nullptr);
