@@ -96,4 +96,28 @@ TEST(ChildPipe, UnexecutableProgramFailsInTheChild) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 42);
 }
 
+TEST(ChildPipe, WriteModeFeedsStdinAndQuietFlagsSilenceOnlyTheirStream) {
+  TempDir folder;
+  const std::string out = (folder / "out").string();
+  // The child copies its stdin to a file and writes one word to each of its own streams.
+  Argv argv({"sh", "-c", "cat > " + out + "; echo to-stdout; echo to-stderr >&2"});
+  for (int quietOut : {0, 1}) {
+    for (int quietErr : {0, 1}) {
+      pid_t pid = 0;
+      ::testing::internal::CaptureStdout();
+      ::testing::internal::CaptureStderr();
+      FILE* stream = child_popen_quiet(argv.pointers.data(), "w", &pid, quietOut, quietErr);
+      ASSERT_NE(nullptr, stream);
+      fputs("fed through the pipe", stream);
+      const int status = child_pclose(stream, pid);
+      const std::string printed = ::testing::internal::GetCapturedStdout();
+      const std::string complained = ::testing::internal::GetCapturedStderr();
+      EXPECT_EQ(0, status);
+      EXPECT_EQ("fed through the pipe", testsupport::ReadFile(out));
+      EXPECT_EQ(quietOut ? "" : "to-stdout\n", printed) << quietOut << quietErr;
+      EXPECT_EQ(quietErr ? "" : "to-stderr\n", complained) << quietOut << quietErr;
+    }
+  }
+}
+
 }  // namespace
