@@ -28,13 +28,6 @@ std::string ReadArea(const std::filesystem::path& home) {
   return area;
 }
 
-std::vector<std::string> SplitLines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-
 }  // namespace
 
 void MakeWindowInstallRoot(const std::filesystem::path& root) {
@@ -91,7 +84,10 @@ bool AllClassesAt(const std::filesystem::path& home, int level) {
 }
 
 std::vector<std::string> ArchiveMembers(const std::filesystem::path& archive) {
-  return SplitLines(testsupport::RunAndCapture("tar -tzf '" + archive.string() + "' 2>/dev/null"));
+  std::istringstream in(testsupport::RunAndCapture("tar -tzf '" + archive.string() + "' 2>/dev/null"));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
 }
 
 std::string ArchiveMember(const std::filesystem::path& archive, const std::string& name) {

@@ -18,35 +18,29 @@ using testsupport::DialogRecord;
 using testsupport::WriteFile;
 
 bool WaitForPeerLine(const std::string& line) {
-  for (int i = 0; i < 200; ++i) {
-    if (LogdPeerOutput().find(line) != std::string::npos) return true;
+  for (int i = 0; i < 200 && LogdPeerOutput().find(line) == std::string::npos; ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
+  return LogdPeerOutput().find(line) != std::string::npos;
 }
 
 class IssueFlowTest : public WindowTest {
  protected:
-  void Click(GtkWidget* button) { gtk_button_clicked(GTK_BUTTON(button)); }
   std::string ClientLogPath() const { return home().string() + "/.ORBClient/logs/ORBClient.log"; }
-  std::string IssueLogPath() const { return home().string() + "/.ORBClient/logs/issuereproduce/ORBClient.log"; }
 };
 
-TEST_F(IssueFlowTest, WholeRunRaisesEveryClassThenRestoresClassZerosLevelAndArchives) {
+TEST_F(IssueFlowTest, WholeRunRaisesEveryClassRestoresClassZerosLevelArchivesAndSaves) {
   WriteLogArea(home(), 3, 7, 6, ClientLogPath());
   WriteFile(LogsFolder() / "KeywardSvr.latest", "keyward before the run\n");
-  RunWindow([this](GtkWidget*) {
+  const std::filesystem::path target = scratch_ / "run.tar.gz";
+  std::string suggested;
+  RunWindow([&](GtkWidget*) {
     Click(app_->startStopButton);
     ASSERT_EQ(app_->collecting, 1);
     EXPECT_TRUE(AllClassesAt(home(), 1));
-    EXPECT_EQ(ReadLogPath(home()), IssueLogPath());
+    EXPECT_EQ(ReadLogPath(home()), home().string() + "/.ORBClient/logs/issuereproduce/ORBClient.log");
     EXPECT_TRUE(WaitForPeerLine("hello norvex-app_tests client=0")) << LogdPeerOutput();
     EXPECT_TRUE(std::filesystem::exists(Marker()));
     EXPECT_EQ(LabelText(app_->startStopButton), "Stop collecting logs");
-    EXPECT_TRUE(Visible(app_->spinner));
-    for (const char* report : {"UserSystemInfo.txt", "Envdump.txt", "DesklineCheck.txt", "KeywardSvr.latest"})
-      EXPECT_TRUE(std::filesystem::exists(IssueFolder() / report)) << report;
-
     // What the client writes while the user reproduces the issue.
     WriteFile(IssueFolder() / "ORBClient.log", "verbose client lines\n");
     WriteFile(LogsFolder() / "userActivitylog.latest", "clicked connect\n");
@@ -57,41 +51,22 @@ TEST_F(IssueFlowTest, WholeRunRaisesEveryClassThenRestoresClassZerosLevelAndArch
     EXPECT_TRUE(AllClassesAt(home(), 3)) << "class 7 had 6, every class must get class 0's 3";
     EXPECT_EQ(ReadLogPath(home()), ClientLogPath());
     EXPECT_FALSE(std::filesystem::exists(Marker()));
-    EXPECT_TRUE(Visible(app_->saveButton));
     EXPECT_EQ(LabelText(app_->saveButton), "Save logs");
-    EXPECT_TRUE(Visible(app_->lastLogLabel));
-    EXPECT_EQ(LabelText(app_->startStopButton), "Start collecting logs");
     EXPECT_EQ(LabelText(app_->stopText), "Click \"Save logs\" to save the logs to the desired location.");
+
+    testsupport::SaveAsInNextFileChooser(target, nullptr, &suggested);
+    Click(app_->saveButton);
+    EXPECT_EQ(LabelText(app_->saveButton), "View saved logs");
+    EXPECT_EQ(LabelText(app_->stopText), "Click \"View saved logs\" to view the recently saved logs.");
   });
-  auto members = ArchiveMembers(app_->issueArchive);
+  EXPECT_EQ(suggested, "NorvexDeskline-IssueLogs.tar.gz");
+  EXPECT_EQ(app_->savedLogsLocation, target);
+  auto members = ArchiveMembers(target);
   std::sort(members.begin(), members.end());
   EXPECT_EQ(members, (std::vector<std::string>{"DesklineCheck.txt", "Envdump.txt", "KeywardConfig.xml",
                                                 "KeywardSvr.latest", "ORBClient.log", "UserSystemInfo.txt",
                                                 "kvlog.latest", "userActivitylog.latest"}));
-  EXPECT_EQ(ArchiveMember(app_->issueArchive, "ORBClient.log"), "verbose client lines\n");
-}
-
-TEST_F(IssueFlowTest, SavingTheRunTurnsTheButtonIntoView) {
-  WriteFile(IssueFolder() / "ORBClient.log", "client lines\n");
-  const std::filesystem::path target = scratch_ / "saved/run.tar.gz";
-  std::filesystem::create_directories(target.parent_path());
-  bool chooserSeen = false;
-  std::string suggested;
-  RunWindow([&](GtkWidget*) {
-    app_->collecting = 1;
-    Click(app_->startStopButton);
-    ASSERT_EQ(app_->collecting, 2);
-    testsupport::SaveAsInNextFileChooser(target, &chooserSeen, &suggested);
-    Click(app_->saveButton);
-    EXPECT_EQ(LabelText(app_->saveButton), "View saved logs");
-    EXPECT_TRUE(Visible(app_->saveButton));
-    EXPECT_EQ(LabelText(app_->stopText), "Click \"View saved logs\" to view the recently saved logs.");
-  });
-  EXPECT_TRUE(chooserSeen);
-  EXPECT_EQ(suggested, "NorvexDeskline-IssueLogs.tar.gz");
-  EXPECT_EQ(app_->saveButtonIsView, 1);
-  EXPECT_EQ(app_->savedLogsLocation, target);
-  EXPECT_EQ(ArchiveMember(target, "ORBClient.log"), "client lines\n");
+  EXPECT_EQ(ArchiveMember(target, "ORBClient.log"), "verbose client lines\n");
 }
 
 // Closing the question by the window manager must count as "Close".
@@ -111,10 +86,8 @@ TEST_P(OverwriteQuestionTest, AnyAnswerButContinueLeavesTheRunUnstarted) {
     Click(app_->startStopButton);
   });
   ASSERT_TRUE(question.seen);
-  EXPECT_EQ(question.title, "Norvex Log Collection Utility");
-  EXPECT_EQ(MessageText(question), "Are you sure you want to continue? Your recent logs will be overwritten.");
+  EXPECT_EQ(question.message, "Are you sure you want to continue? Your recent logs will be overwritten.");
   EXPECT_EQ(question.buttons, (std::vector<std::string>{"Continue", "Close"}));
-  EXPECT_EQ(question.iconName, "dialog-warning");
   EXPECT_EQ(saveLabelWhenAsked, "Save logs");
   EXPECT_EQ(app_->saveButtonIsView, 0);
   EXPECT_EQ(app_->collecting, 0);
@@ -138,13 +111,12 @@ TEST_F(IssueFlowTest, StopWithNothingGatheredNamesTheIssueFolder) {
     Click(app_->startStopButton);
   });
   ASSERT_TRUE(error.seen);
-  EXPECT_EQ(MessageText(error), "No files found at \"" + app_->issueFolder.string() + "\".\nUnable to create the tar archive.");
+  EXPECT_EQ(error.message,
+            "No files found at \"" + app_->issueFolder.string() + "\".\nUnable to create the tar archive.");
   EXPECT_EQ(error.iconName, "dialog-error");
-  EXPECT_EQ(error.buttons, std::vector<std::string>{"OK"});
   EXPECT_EQ(app_->collecting, 0);
   EXPECT_TRUE(Visible(app_->existingLogButton));
   EXPECT_FALSE(Visible(app_->saveButton));
-  EXPECT_EQ(LabelText(app_->startStopButton), "Start collecting logs");
 }
 
 TEST_F(IssueFlowTest, StartRefusedWhenTheIssueFolderCannotBeMade) {
@@ -157,12 +129,10 @@ TEST_F(IssueFlowTest, StartRefusedWhenTheIssueFolderCannotBeMade) {
     Click(app_->startStopButton);
   });
   std::filesystem::remove(LogsFolder());
-  ASSERT_TRUE(error.seen);
-  EXPECT_EQ(MessageText(error), "Failed to create the log file folder at \"" + app_->issueFolder.string() +
-                            "\".\nPlease check the folder permisions and try again.");
+  EXPECT_EQ(error.message, "Failed to create the log file folder at \"" + app_->issueFolder.string() +
+                               "\".\nPlease check the folder permisions and try again.");
   EXPECT_EQ(app_->collecting, 0);
   EXPECT_EQ(ReadClassLevel(home(), 9), 2);
-  EXPECT_FALSE(Visible(app_->spinner));
 }
 
 }  // namespace

@@ -98,17 +98,6 @@ std::string LabelText(GtkWidget* widget) {
   return gtk_label_get_text(GTK_LABEL(widget));
 }
 
-std::string MessageText(const testsupport::DialogRecord& record) {
-  // The recorder reads the whole content box, which holds the button row too.
-  std::string text = record.text;
-  for (auto button = record.buttons.rbegin(); button != record.buttons.rend(); ++button) {
-    const std::string tail = "\n" + *button;
-    if (text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0)
-      text.resize(text.size() - tail.size());
-  }
-  return text;
-}
-
 bool Visible(GtkWidget* widget) { return gtk_widget_get_visible(widget); }
 
 }  // namespace apptest

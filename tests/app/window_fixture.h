@@ -45,8 +45,7 @@ class WindowTest : public ::testing::Test {
 };
 
 std::string LabelText(GtkWidget* widget);
-// A recorded message dialog's own text, without the labels of its buttons.
-std::string MessageText(const testsupport::DialogRecord& record);
 bool Visible(GtkWidget* widget);
+inline void Click(GtkWidget* button) { gtk_button_clicked(GTK_BUTTON(button)); }
 
 }  // namespace apptest

@@ -2,7 +2,6 @@
 //   x-drive wait TITLE [SECONDS]   prints the window id once it is shown
 //   x-drive key TITLE KEYSYM...    types keys into it, one after the other
 //   x-drive close TITLE            asks it to close, as a window manager would
-//   x-drive count TITLE            prints how many such windows are shown
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -12,16 +11,7 @@
 
 namespace {
 
-int Usage() {
-  std::fprintf(stderr, "usage: x-drive wait|key|close|count TITLE [ARGS]\n");
-  return 2;
-}
-
 int Act(Display* display, const std::string& verb, const std::string& title, int argc, char** argv) {
-  if (verb == "count") {
-    std::printf("%d\n", xdrive::CountWindows(display, title));
-    return 0;
-  }
   const int seconds = verb == "wait" && argc > 3 ? std::atoi(argv[3]) : 20;
   const Window window = xdrive::WaitForWindow(display, title, seconds * 1000);
   if (!window) {
@@ -35,10 +25,8 @@ int Act(Display* display, const std::string& verb, const std::string& title, int
       if (!xdrive::PressKey(display, window, argv[i])) return 1;
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
-  } else if (verb == "close") {
-    xdrive::RequestClose(display, window);
   } else {
-    return Usage();
+    xdrive::RequestClose(display, window);
   }
   return 0;
 }
@@ -46,13 +34,17 @@ int Act(Display* display, const std::string& verb, const std::string& title, int
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3) return Usage();
+  const std::string verb = argc < 3 ? "" : argv[1];
+  if (verb != "wait" && verb != "key" && verb != "close") {
+    std::fprintf(stderr, "usage: x-drive wait|key|close TITLE [ARGS]\n");
+    return 2;
+  }
   Display* display = XOpenDisplay(nullptr);
   if (!display) {
     std::fprintf(stderr, "x-drive: cannot open the display\n");
     return 1;
   }
-  const int status = Act(display, argv[1], argv[2], argc, argv);
+  const int status = Act(display, verb, argv[2], argc, argv);
   XCloseDisplay(display);
   return status;
 }
