@@ -52,14 +52,14 @@ struct Arguments {
   va_list list;
 };
 
-Length ReadLength(const char*& spec) {
-  if (*spec == 'z') {
-    ++spec;
+Length ReadLength(const char*& cursor) {
+  if (*cursor == 'z') {
+    ++cursor;
     return Length::kSize;
   }
-  if (*spec != 'l') return Length::kInt;
-  if (*++spec != 'l') return Length::kLong;
-  ++spec;
+  if (*cursor != 'l') return Length::kInt;
+  if (*++cursor != 'l') return Length::kLong;
+  ++cursor;
   return Length::kLongLong;
 }
 
@@ -84,9 +84,9 @@ void AppendUnsignedArgument(TextSink& sink, char conversion, Length length, Argu
 
 // One conversion after its "%"; false for anything this formatter leaves to
 // vsnprintf (flags, width, precision, floating point, ...).
-bool AppendConversion(TextSink& sink, const char*& spec, Arguments& args) {
-  Length length = ReadLength(spec);
-  char conversion = *spec++;
+bool AppendConversion(TextSink& sink, const char*& cursor, Arguments& args) {
+  Length length = ReadLength(cursor);
+  char conversion = *cursor++;
   if (conversion == 'd' || conversion == 'i') {
     AppendSigned(sink, length, args);
   } else if (conversion == 'u' || conversion == 'x' || conversion == 'X') {
