@@ -46,6 +46,7 @@ class WindowTest : public ::testing::Test {
 
 std::string LabelText(GtkWidget* widget);
 bool Visible(GtkWidget* widget);
+inline std::string MessageText(const testsupport::DialogRecord& record) { return record.message; }
 inline void Click(GtkWidget* button) { gtk_button_clicked(GTK_BUTTON(button)); }
 
 }  // namespace apptest

@@ -26,20 +26,6 @@ std::set<std::string> MsgidsOf(const std::filesystem::path& file) {
   return ids;
 }
 
-TEST(CatalogueParser, JoinsContinuationLinesAndResolvesEscapes) {
-  const auto entries = ParseCatalogue(
-      "msgid \"\"\nmsgstr \"Language: de\\n\"\n\n"
-      "#: a.cpp\n#, c-format\nmsgid \"\"\n\"Saved at \\\"%s\\\".\\n\"\n\"Next\"\nmsgstr \"Unter \\\"%s\\\".\\nWeiter\"\n\n"
-      "#, fuzzy\nmsgid \"Old\"\nmsgstr \"Alt\"\n\n"
-      "#~ msgid \"Gone\"\n#~ msgstr \"Weg\"\n");
-  ASSERT_EQ(entries.size(), 2u);
-  EXPECT_EQ(entries[0].msgid, "Saved at \"%s\".\nNext");
-  EXPECT_EQ(entries[0].msgstr, "Unter \"%s\".\nWeiter");
-  EXPECT_FALSE(entries[0].fuzzy);
-  EXPECT_EQ(entries[1].msgid, "Old");
-  EXPECT_TRUE(entries[1].fuzzy);
-}
-
 TEST(Catalogues, EveryTranslationKeepsThePlaceholderQuotesAndLineBreaksOfItsSource) {
   for (const std::string& lang : ListedLanguages(kPoFolder)) {
     const auto entries = ReadCatalogue(kPoFolder / (lang + ".po"));

@@ -141,7 +141,7 @@ std::vector<std::string> CollectLabelTexts(GtkWidget* widget) {
   return texts;
 }
 
-void AnswerNextDialog(int response, DialogRecord* record) {
+void AnswerNextDialog(int response, DialogRecord* record, GType type) {
   WhenDialogAppears([response, record](GtkDialog* dialog) {
     if (record) {
       record->seen = true;
@@ -160,7 +160,7 @@ void AnswerNextDialog(int response, DialogRecord* record) {
       record->message = WithoutButtons(record->text, record->buttons);
     }
     gtk_dialog_response(dialog, response);
-  });
+  }, type);
 }
 
 void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen, std::string* suggestedName) {

@@ -26,7 +26,7 @@ struct DialogRecord {
   std::string message;               // text without the button labels
   std::string iconName;
 };
-void AnswerNextDialog(int response, DialogRecord* record = nullptr);
+void AnswerNextDialog(int response, DialogRecord* record = nullptr, GType type = GTK_TYPE_DIALOG);
 
 // Types path into the next file chooser and accepts it; or cancels when path is empty.
 void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen = nullptr,
