@@ -2,9 +2,6 @@
 // logging client mapping the shared area of the test HOME.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 #include "app_root.h"
 #include "support/dialogs.h"
 #include "support/files.h"
@@ -16,12 +13,6 @@ namespace {
 using testsupport::AnswerNextDialog;
 using testsupport::DialogRecord;
 using testsupport::WriteFile;
-
-bool WaitForPeerLine(const std::string& line) {
-  for (int i = 0; i < 200 && LogdPeerOutput().find(line) == std::string::npos; ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  return LogdPeerOutput().find(line) != std::string::npos;
-}
 
 class IssueFlowTest : public WindowTest {
  protected:
@@ -38,7 +29,8 @@ TEST_F(IssueFlowTest, WholeRunRaisesEveryClassRestoresClassZerosLevelArchivesAnd
     ASSERT_EQ(app_->collecting, 1);
     EXPECT_TRUE(AllClassesAt(home(), 1));
     EXPECT_EQ(ReadLogPath(home()), home().string() + "/.ORBClient/logs/issuereproduce/ORBClient.log");
-    EXPECT_TRUE(WaitForPeerLine("hello norvex-app_tests client=0")) << LogdPeerOutput();
+    const auto peerLines = LogdPeer().WaitForLines(1);
+    EXPECT_TRUE(!peerLines.empty() && peerLines[0] == "hello norvex-app_tests client=0") << LogdPeer().Errors();
     EXPECT_TRUE(std::filesystem::exists(Marker()));
     EXPECT_EQ(LabelText(app_->startStopButton), "Stop collecting logs");
     // What the client writes while the user reproduces the issue.

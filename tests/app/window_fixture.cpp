@@ -1,49 +1,15 @@
 #include "window_fixture.h"
 
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <thread>
-
 #include "app_root.h"
-#include "support/files.h"
 
 namespace apptest {
 namespace {
 
-// Started once per process before the first log call, stopped at exit.
-class LogdPeer {
- public:
-  explicit LogdPeer(const std::filesystem::path& home) : output_(home.parent_path() / "logd-peer.out") {
-    const std::string socket = home.string() + "//.ORBClient/.nvxndclogsocket";
-    std::filesystem::create_directories(home / ".ORBClient");
-    pid_ = fork();
-    if (pid_ == 0) {
-      if (!freopen(output_.c_str(), "w", stdout)) _exit(127);
-      execl(LOGD_PEER_PATH, LOGD_PEER_PATH, socket.c_str(), static_cast<char*>(nullptr));
-      _exit(127);
-    }
-    for (int i = 0; i < 200 && !std::filesystem::exists(home / ".ORBClient/.nvxndclogsocket"); ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  ~LogdPeer() {
-    if (pid_ <= 0) return;
-    kill(pid_, SIGTERM);
-    waitpid(pid_, nullptr, 0);
-  }
-  std::string Output() const { return testsupport::ReadFile(output_); }
-
- private:
-  std::filesystem::path output_;
-  pid_t pid_ = -1;
-};
-
+// The peer starts before the first log call and stops at exit.
 struct SharedState {
   testsupport::TempDir base;
   std::filesystem::path home = base / "home";
-  LogdPeer peer{home};
+  logclient_test::LogdPeerProcess peer{logclient_test::SocketPathFor(home.string()), base.path()};
 };
 
 SharedState& Shared() {
@@ -61,7 +27,7 @@ gboolean RunBodyThenQuit(gpointer data) {
 
 const std::filesystem::path& SharedHome() { return Shared().home; }
 
-std::string LogdPeerOutput() { return Shared().peer.Output(); }
+const logclient_test::LogdPeerProcess& LogdPeer() { return Shared().peer; }
 
 void WindowTest::SetUp() {
   // The area and the socket stay: the logging client keeps them for the process.

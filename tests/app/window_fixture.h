@@ -10,6 +10,7 @@
 #include <string>
 
 #include "app/app.h"
+#include "logclient/logd_peer_process.h"
 #include "support/dialogs.h"
 #include "support/temp_dir.h"
 
@@ -19,8 +20,7 @@ namespace apptest {
 // so every test of this executable shares one HOME, with a logd peer listening
 // on its socket. Its client folders are emptied before each test.
 const std::filesystem::path& SharedHome();
-// What the logd peer has printed so far.
-std::string LogdPeerOutput();
+const logclient_test::LogdPeerProcess& LogdPeer();
 
 class WindowTest : public ::testing::Test {
  protected:

@@ -56,16 +56,5 @@ TEST_F(GatheringTest, AFailedFindKeepsTheListAndTheListFile) {
   EXPECT_TRUE(fs::exists(app_->tempListFile));
 }
 
-TEST_F(GatheringTest, FamiliesAreCopiedIntoTheIssueFolder) {
-  MakeClientFolders();
-  for (const char* name : {"kvlog.1", "kvlog.latest", "userActivitylog.latest", "ORBClient.log"})
-    testsupport::WriteFile(app_->logsFolder / name, name);
-  EXPECT_TRUE(app_->CopyActivityLogsToIssueFolder());
-  EXPECT_TRUE(app_->CopyKvlogsToIssueFolder());
-  for (const char* name : {"kvlog.1", "kvlog.latest", "userActivitylog.latest"})
-    EXPECT_EQ(testsupport::ReadFile(app_->issueFolder / name), name);
-  EXPECT_FALSE(fs::exists(app_->issueFolder / "ORBClient.log"));
-}
-
 }  // namespace
 }  // namespace collecttest

@@ -36,27 +36,6 @@ class SaveViewTest : public EngineTest {
   GtkWidget* window_ = nullptr;
 };
 
-TEST_F(SaveViewTest, ChooserProposesTheArchiveNameAndCancellingChangesNothing) {
-  std::string title, name;
-  bool confirms = false;
-  testsupport::WhenDialogAppears(
-      [&](GtkDialog* dialog) {
-        title = gtk_window_get_title(GTK_WINDOW(dialog));
-        gchar* current = gtk_file_chooser_get_current_name(GTK_FILE_CHOOSER(dialog));
-        name = current;
-        g_free(current);
-        confirms = gtk_file_chooser_get_do_overwrite_confirmation(GTK_FILE_CHOOSER(dialog));
-        gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
-      },
-      GTK_TYPE_FILE_CHOOSER_DIALOG);
-  EXPECT_FALSE(app_->SaveArchiveDialog(app_->existingArchive, "NorvexDeskline-ExistingLogs.tar.gz", window_));
-  EXPECT_EQ(title, "Save File");
-  EXPECT_EQ(name, "NorvexDeskline-ExistingLogs.tar.gz");
-  EXPECT_TRUE(confirms);
-  EXPECT_TRUE(app_->savedLogsLocation.empty());
-  EXPECT_EQ(IssueFolderCount(), 6u);
-}
-
 TEST_F(SaveViewTest, ASuccessfulSaveOfEitherArchiveClearsTheStagedIssueFiles) {
   fs::create_directories(scratch_ / "chosen");
   for (const fs::path* archive : {&app_->existingArchive, &app_->issueArchive}) {

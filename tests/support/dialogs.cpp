@@ -56,31 +56,25 @@ gboolean PollForDialog(gpointer data) {
   return G_SOURCE_CONTINUE;
 }
 
-void CollectButtons(GtkWidget* widget, std::vector<std::string>& out) {
-  if (GTK_IS_BUTTON(widget)) {
-    if (const char* label = gtk_button_get_label(GTK_BUTTON(widget))) out.emplace_back(label);
-    return;
-  }
-  if (GTK_IS_CONTAINER(widget)) {
-    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
-    for (GList* c = children; c; c = c->next) CollectButtons(GTK_WIDGET(c->data), out);
-    g_list_free(children);
-  }
+// Visits widget and everything below it, depth first; visit returns false
+// to stay out of a widget's children.
+template <typename Visit>
+void Walk(GtkWidget* widget, const Visit& visit) {
+  if (!visit(widget) || !GTK_IS_CONTAINER(widget)) return;
+  GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+  for (GList* c = children; c; c = c->next) Walk(GTK_WIDGET(c->data), visit);
+  g_list_free(children);
 }
 
 std::string FindIconName(GtkWidget* widget) {
-  if (GTK_IS_IMAGE(widget)) {
-    const char* name = nullptr;
-    gtk_image_get_icon_name(GTK_IMAGE(widget), &name, nullptr);
-    return name ? name : "";
-  }
-  std::string result;
-  if (GTK_IS_CONTAINER(widget)) {
-    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
-    for (GList* c = children; c && result.empty(); c = c->next) result = FindIconName(GTK_WIDGET(c->data));
-    g_list_free(children);
-  }
-  return result;
+  std::string name;
+  Walk(widget, [&](GtkWidget* w) {
+    const char* icon = nullptr;
+    if (name.empty() && GTK_IS_IMAGE(w)) gtk_image_get_icon_name(GTK_IMAGE(w), &icon, nullptr);
+    if (icon) name = icon;
+    return name.empty();
+  });
+  return name;
 }
 
 // The content box holds the button row after the message.
@@ -128,16 +122,10 @@ void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type, int time
 
 std::vector<std::string> CollectLabelTexts(GtkWidget* widget) {
   std::vector<std::string> texts;
-  if (GTK_IS_LABEL(widget)) {
-    texts.emplace_back(gtk_label_get_text(GTK_LABEL(widget)));
-  } else if (GTK_IS_CONTAINER(widget)) {
-    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
-    for (GList* c = children; c; c = c->next) {
-      auto inner = CollectLabelTexts(GTK_WIDGET(c->data));
-      texts.insert(texts.end(), inner.begin(), inner.end());
-    }
-    g_list_free(children);
-  }
+  Walk(widget, [&](GtkWidget* w) {
+    if (GTK_IS_LABEL(w)) texts.emplace_back(gtk_label_get_text(GTK_LABEL(w)));
+    return true;
+  });
   return texts;
 }
 
@@ -155,7 +143,11 @@ void AnswerNextDialog(int response, DialogRecord* record, GType type) {
       record->buttons.clear();
       // The action area is the only place GTK 3 keeps the buttons in order.
       G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-      CollectButtons(gtk_dialog_get_action_area(dialog), record->buttons);
+      Walk(gtk_dialog_get_action_area(dialog), [record](GtkWidget* w) {
+        const char* label = GTK_IS_BUTTON(w) ? gtk_button_get_label(GTK_BUTTON(w)) : nullptr;
+        if (label) record->buttons.emplace_back(label);
+        return !GTK_IS_BUTTON(w);
+      });
       G_GNUC_END_IGNORE_DEPRECATIONS
       record->message = WithoutButtons(record->text, record->buttons);
     }
