@@ -79,7 +79,9 @@ TEST_P(OverwriteQuestionTest, AnyAnswerButContinueLeavesTheRunUnstarted) {
   });
   ASSERT_TRUE(question.seen);
   EXPECT_EQ(question.message, "Are you sure you want to continue? Your recent logs will be overwritten.");
+  EXPECT_EQ(question.title, "Norvex Log Collection Utility");
   EXPECT_EQ(question.buttons, (std::vector<std::string>{"Continue", "Close"}));
+  EXPECT_EQ(question.iconName, "dialog-warning");
   EXPECT_EQ(saveLabelWhenAsked, "Save logs");
   EXPECT_EQ(app_->saveButtonIsView, 0);
   EXPECT_EQ(app_->collecting, 0);
@@ -106,6 +108,7 @@ TEST_F(IssueFlowTest, StopWithNothingGatheredNamesTheIssueFolder) {
   EXPECT_EQ(error.message,
             "No files found at \"" + app_->issueFolder.string() + "\".\nUnable to create the tar archive.");
   EXPECT_EQ(error.iconName, "dialog-error");
+  EXPECT_EQ(error.buttons, std::vector<std::string>{"OK"});
   EXPECT_EQ(app_->collecting, 0);
   EXPECT_TRUE(Visible(app_->existingLogButton));
   EXPECT_FALSE(Visible(app_->saveButton));

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <functional>
 #include <map>
 
 #include "app/app.h"
@@ -28,36 +29,12 @@ std::string PrintCase(const ::testing::TestParamInfo<Case>& info) {
   return info.param.language + (info.param.withCatalogues ? "" : "WithoutCatalogue");
 }
 
-// What the window and dialogs showed, read from inside the running main loop.
-struct Shown {
-  App* app = nullptr;
-  std::string title, startStop, existing, stopText, stopping;
-  testsupport::DialogRecord question, error, chooser;
-};
-
 std::string LabelOf(GtkWidget* widget) {
-  const char* text = GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget))
-                                           : gtk_label_get_text(GTK_LABEL(widget));
-  return text ? text : "";
+  return GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : gtk_label_get_text(GTK_LABEL(widget));
 }
 
-gboolean LookAtWindowAndDialogs(gpointer data) {
-  auto* shown = static_cast<Shown*>(data);
-  App& app = *shown->app;
-  GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(app.builder, "logging"));
-  shown->title = gtk_window_get_title(GTK_WINDOW(window));
-  shown->startStop = LabelOf(app.startStopButton);
-  shown->existing = LabelOf(app.existingLogButton);
-  shown->stopText = LabelOf(app.stopText);
-  app.ShowCollectingState();
-  shown->stopping = LabelOf(app.startStopButton);
-
-  testsupport::AnswerNextDialog(GTK_RESPONSE_REJECT, &shown->question);
-  app.AskToContinue(window, _("Are you sure you want to continue? Your recent logs will be overwritten."));
-  testsupport::AnswerNextDialog(GTK_RESPONSE_ACCEPT, &shown->error);
-  app.ShowError(window, FormatMessage(_("No files found at \"%s\".\nUnable to create the tar archive."), "/x"));
-  testsupport::AnswerNextDialog(GTK_RESPONSE_CANCEL, &shown->chooser, GTK_TYPE_FILE_CHOOSER_DIALOG);
-  app.SaveArchiveDialog(app.issueArchive, std::string(constants::kIssueArchiveName), window);
+gboolean RunThenQuit(gpointer body) {
+  (*static_cast<std::function<void()>*>(body))();
   gtk_main_quit();
   return G_SOURCE_REMOVE;
 }
@@ -104,38 +81,40 @@ TEST_P(WindowLanguage, WindowPaintersAndDialogsUseTheCatalogueOfTheRoot) {
   App app;
   ASSERT_EQ(app.installRoot, root_);
   BindCatalogue(app);
-  Shown shown;
-  shown.app = &app;
-  g_timeout_add(100, LookAtWindowAndDialogs, &shown);
-  app.Run();
-
   const std::string title = "Norvex Log Collection Utility";
   // Guards against a language whose texts happen to equal the built-in ones.
   if (GetParam().withCatalogues) {
     ASSERT_NE(Expected(title), title);
   }
-  EXPECT_EQ(shown.title, Expected(title));
-  EXPECT_EQ(shown.startStop, Expected("Start collecting logs"));
-  EXPECT_EQ(shown.existing, Expected("Collect existing logs"));
-  EXPECT_EQ(shown.stopText,
-            Expected("Click \"Start collecting logs\" and then reproduce the issue. This gathers the most recent logs."));
-  EXPECT_EQ(shown.stopping, Expected("Stop collecting logs"));
+  testsupport::DialogRecord question, error, chooser;
+  std::function<void()> look = [&] {
+    GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(app.builder, "logging"));
+    EXPECT_EQ(gtk_window_get_title(GTK_WINDOW(window)), Expected(title));
+    EXPECT_EQ(LabelOf(app.startStopButton), Expected("Start collecting logs"));
+    EXPECT_EQ(LabelOf(app.existingLogButton), Expected("Collect existing logs"));
+    EXPECT_EQ(LabelOf(app.stopText), Expected("Click \"Start collecting logs\" and then reproduce the issue. "
+                                               "This gathers the most recent logs."));
+    app.ShowCollectingState();
+    EXPECT_EQ(LabelOf(app.startStopButton), Expected("Stop collecting logs"));
+    testsupport::AnswerNextDialog(GTK_RESPONSE_REJECT, &question);
+    app.AskToContinue(window, _("Are you sure you want to continue? Your recent logs will be overwritten."));
+    testsupport::AnswerNextDialog(GTK_RESPONSE_ACCEPT, &error);
+    app.ShowError(window, FormatMessage(_("No files found at \"%s\".\nUnable to create the tar archive."), "/x"));
+    testsupport::AnswerNextDialog(GTK_RESPONSE_CANCEL, &chooser, GTK_TYPE_FILE_CHOOSER_DIALOG);
+    app.SaveArchiveDialog(app.issueArchive, std::string(constants::kIssueArchiveName), window);
+  };
+  g_timeout_add(100, RunThenQuit, &look);
+  app.Run();
 
-  ASSERT_TRUE(shown.question.seen);
-  EXPECT_EQ(shown.question.title, Expected(title));
-  EXPECT_EQ(shown.question.message,
-            Expected("Are you sure you want to continue? Your recent logs will be overwritten."));
-  EXPECT_EQ(shown.question.buttons, (std::vector<std::string>{Expected("Continue"), Expected("Close")}));
-
-  ASSERT_TRUE(shown.error.seen);
-  std::string error = Expected("No files found at \"%s\".\nUnable to create the tar archive.");
-  error.replace(error.find("%s"), 2, "/x");
-  EXPECT_EQ(shown.error.message, error);
-  EXPECT_EQ(shown.error.buttons, std::vector<std::string>{Expected("OK")});
-
-  ASSERT_TRUE(shown.chooser.seen);
-  EXPECT_EQ(shown.chooser.title, Expected("Save File"));
-  EXPECT_EQ(shown.chooser.buttons, (std::vector<std::string>{Expected("Cancel"), Expected("Save")}));
+  EXPECT_EQ(question.title, Expected(title));
+  EXPECT_EQ(question.message, Expected("Are you sure you want to continue? Your recent logs will be overwritten."));
+  EXPECT_EQ(question.buttons, (std::vector<std::string>{Expected("Continue"), Expected("Close")}));
+  std::string errorText = Expected("No files found at \"%s\".\nUnable to create the tar archive.");
+  errorText.replace(errorText.find("%s"), 2, "/x");
+  EXPECT_EQ(error.message, errorText);
+  EXPECT_EQ(error.buttons, std::vector<std::string>{Expected("OK")});
+  EXPECT_EQ(chooser.title, Expected("Save File"));
+  EXPECT_EQ(chooser.buttons, (std::vector<std::string>{Expected("Cancel"), Expected("Save")}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, WindowLanguage,
