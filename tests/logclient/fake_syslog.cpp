@@ -42,3 +42,17 @@ void syslog(int priority, const char* format, ...) {
 void closelog() { SystemLogCalls().push_back("closelog"); }
 
 }  // extern "C"
+
+// A fortified build of the library calls these in place of syslog and vsyslog.
+extern "C" {
+
+void __vsyslog_chk(int priority, int, const char* format, va_list args) { vsyslog(priority, format, args); }
+
+void __syslog_chk(int priority, int, const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  vsyslog(priority, format, args);
+  va_end(args);
+}
+
+}  // extern "C"

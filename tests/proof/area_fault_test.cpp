@@ -61,7 +61,7 @@ TEST_F(AreaFaultTest, AnAreaTheUserCannotOpenMeansNoAreaAndStaysUntouched) {
   const fs::path out = scratch_ / "out";
   fs::create_directories(out);
   for (const fs::path& mine : {home_, home_ / ".ORBClient", home_ / ".ORBClient/logs", out})
-    chown(mine.c_str(), testsupport::NobodyUid(), testsupport::NobodyGid());
+    ASSERT_EQ(chown(mine.c_str(), testsupport::NobodyUid(), testsupport::NobodyGid()), 0) << mine;
   const int result = testsupport::RunAsNobody([&] {
     const std::optional<int> status = WaitWithin(StartProofClient({"area"}, home_, out / "client.out"),
                                                  std::chrono::seconds(60));

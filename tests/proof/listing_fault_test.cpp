@@ -21,9 +21,9 @@ namespace fs = std::filesystem;
 constexpr int kPerFamily = 2500;
 
 void GiveToNobody(const fs::path& top) {
-  chown(top.c_str(), testsupport::NobodyUid(), testsupport::NobodyGid());
+  ASSERT_EQ(chown(top.c_str(), testsupport::NobodyUid(), testsupport::NobodyGid()), 0) << top;
   for (const auto& entry : fs::recursive_directory_iterator(top))
-    lchown(entry.path().c_str(), testsupport::NobodyUid(), testsupport::NobodyGid());
+    ASSERT_EQ(lchown(entry.path().c_str(), testsupport::NobodyUid(), testsupport::NobodyGid()), 0) << entry.path();
 }
 
 class RotatedListingTest : public testing::Test {
@@ -80,7 +80,7 @@ TEST_F(RotatedListingTest, EveryRotatedFileIsListedActivityFirst) {
 }
 
 TEST_F(RotatedListingTest, AnUnreadableSubFolderDiscardsTheWholeListing) {
-  chown((logs_ / "rotated-away").c_str(), 0, 0);
+  ASSERT_EQ(chown((logs_ / "rotated-away").c_str(), 0, 0), 0);
   chmod((logs_ / "rotated-away").c_str(), 0700);
   const auto [count, errors] = ListAsNobody();
   EXPECT_EQ(count, 0) << "the 5,000 readable files must not be listed either";
