@@ -7,18 +7,21 @@ set(NORVEX_APP_ID com.norvex.LogCollection)
 if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
   set(CMAKE_INSTALL_PREFIX ${NORVEX_PACKAGE_ROOT} CACHE PATH "Client install root" FORCE)
 endif()
+# The menu entry and its friends go to the system's data folders, whatever the root.
+set(NORVEX_SYSTEM_DATADIR /usr/${CMAKE_INSTALL_DATADIR})
 
-# "client" is what a plain install writes below the root; "desktop" holds the
-# menu entry and friends at absolute system paths, so only the package takes it.
+# Components: "client" is the root's runtime, "dev" the library's header and
+# unversioned link for building against it; a plain install writes both below
+# the root. "system" and "dev-system" hold files at absolute system paths, so
+# only the packages take them.
 if(TARGET logmgr)
   # The root may be anywhere; the library always sits beside util/.
   set_target_properties(logmgr PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
   install(TARGETS logmgr RUNTIME DESTINATION util COMPONENT client)
 endif()
 if(TARGET logclient)
-  install(TARGETS logclient LIBRARY DESTINATION lib COMPONENT client NAMELINK_COMPONENT client)
-  install(FILES ${PROJECT_SOURCE_DIR}/logclient/logclient.h DESTINATION include/logclient
-          COMPONENT client)
+  install(TARGETS logclient LIBRARY DESTINATION lib COMPONENT client NAMELINK_COMPONENT dev)
+  install(FILES ${PROJECT_SOURCE_DIR}/logclient/logclient.h DESTINATION include/logclient COMPONENT dev)
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/gtk/ DESTINATION gtk COMPONENT client
         FILES_MATCHING PATTERN "*.glade" PATTERN "*.css")
@@ -27,18 +30,49 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/icons/ DESTINATION icons COMPONENT clien
 if(TARGET translations)
   install(DIRECTORY ${CMAKE_BINARY_DIR}/nls/ DESTINATION nls COMPONENT client)
 endif()
+if(TARGET logmgr AND TARGET logclient)
+  # A stripped install (the packages) also drops the compiler's ident notes,
+  # as Debian's own tools do: nothing at run time reads them.
+  install(CODE "if(CMAKE_INSTALL_DO_STRIP)
+    foreach(binary util/$<TARGET_FILE_NAME:logmgr> lib/$<TARGET_FILE_NAME:logclient>)
+      execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment --remove-section=.note
+                      \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/\${binary}\" COMMAND_ERROR_IS_FATAL ANY)
+    endforeach()
+  endif()" COMPONENT client)
+endif()
 
 configure_file(${PROJECT_SOURCE_DIR}/data/${NORVEX_APP_ID}.desktop.in
                ${CMAKE_BINARY_DIR}/data/${NORVEX_APP_ID}.desktop @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/data/${NORVEX_APP_ID}.desktop
-        DESTINATION /usr/share/applications COMPONENT desktop EXCLUDE_FROM_ALL)
+        DESTINATION ${NORVEX_SYSTEM_DATADIR}/applications COMPONENT system EXCLUDE_FROM_ALL)
 install(FILES ${PROJECT_SOURCE_DIR}/data/${NORVEX_APP_ID}.metainfo.xml
-        DESTINATION /usr/share/metainfo COMPONENT desktop EXCLUDE_FROM_ALL)
-install(FILES ${PROJECT_SOURCE_DIR}/data/copyright
-        DESTINATION /usr/share/doc/${NORVEX_PACKAGE_NAME} COMPONENT desktop EXCLUDE_FROM_ALL)
+        DESTINATION ${NORVEX_SYSTEM_DATADIR}/metainfo COMPONENT system EXCLUDE_FROM_ALL)
 # The menu shows the window icon under the application's id.
 install(FILES ${PROJECT_SOURCE_DIR}/icons/000_Beacon_64.png
-        DESTINATION /usr/share/icons/hicolor/64x64/apps RENAME ${NORVEX_APP_ID}.png
-        COMPONENT desktop EXCLUDE_FROM_ALL)
+        DESTINATION ${NORVEX_SYSTEM_DATADIR}/icons/hicolor/64x64/apps RENAME ${NORVEX_APP_ID}.png
+        COMPONENT system EXCLUDE_FROM_ALL)
+install(FILES ${PROJECT_SOURCE_DIR}/icons/000_Beacon.svg
+        DESTINATION ${NORVEX_SYSTEM_DATADIR}/icons/hicolor/scalable/apps RENAME ${NORVEX_APP_ID}.svg
+        COMPONENT system EXCLUDE_FROM_ALL)
+
+# Each package carries the copyright, the changelog (compressed as Debian
+# wants it) and the note that tells lintian why the files are below /opt.
+find_program(NORVEX_GZIP gzip REQUIRED)
+add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/data/changelog.gz
+  COMMAND ${NORVEX_GZIP} -9 -n -c ${PROJECT_SOURCE_DIR}/data/changelog > ${CMAKE_BINARY_DIR}/data/changelog.gz
+  DEPENDS ${PROJECT_SOURCE_DIR}/data/changelog
+  COMMENT "Compressing the package changelog")
+add_custom_target(package_changelog ALL DEPENDS ${CMAKE_BINARY_DIR}/data/changelog.gz)
+foreach(package IN ITEMS ${NORVEX_PACKAGE_NAME} ${NORVEX_PACKAGE_NAME}-dev)
+  set(component system)
+  if(package MATCHES "-dev$")
+    set(component dev-system)
+  endif()
+  install(FILES ${PROJECT_SOURCE_DIR}/data/copyright ${CMAKE_BINARY_DIR}/data/changelog.gz
+          DESTINATION ${NORVEX_SYSTEM_DATADIR}/doc/${package} COMPONENT ${component} EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_SOURCE_DIR}/data/lintian-overrides
+          DESTINATION ${NORVEX_SYSTEM_DATADIR}/lintian/overrides RENAME ${package}
+          COMPONENT ${component} EXCLUDE_FROM_ALL)
+endforeach()
 
 include(${CMAKE_CURRENT_LIST_DIR}/package.cmake)
