@@ -1,5 +1,6 @@
 // Entry of logmgr: refuse a second copy, bind the catalogue, run the window.
 #include <clocale>
+#include <ios>
 #include <string>
 
 #include "app/app.h"
@@ -9,6 +10,10 @@
 #include "host/lock.h"
 
 namespace {
+
+// Building the App may write to std::cerr (no install root found) before any
+// other file's initialisers have run: the standard streams come first.
+const std::ios_base::Init kStreamsReady;
 
 App& TheApp() {
   static App app;

@@ -83,6 +83,8 @@ void App::Run() {
   gtk_builder_add_from_file(builder, UnderRoot(*this, kGladeFile).c_str(), nullptr);
 
   GtkWidget* window = Lookup(builder, "logging");
+  // Without a window there is nothing the user could close the loop with.
+  if (window == nullptr) return;
   gtk_window_set_title(GTK_WINDOW(window), _("Norvex Log Collection Utility"));
   gtk_widget_show_all(window);
 
