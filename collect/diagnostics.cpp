@@ -8,10 +8,10 @@
 #include <iostream>
 
 #include "app/app.h"
+#include "collect/child_process.h"
 #include "collect/envdump_output.h"
 #include "host/client_version.h"
 #include "host/os_identity.h"
-#include "logclient/logclient.h"
 
 namespace fs = std::filesystem;
 
@@ -80,16 +80,10 @@ std::string App::RunPgrep(const std::string& name) {
 }
 
 bool App::RunEnvdump(const fs::path& reportPath) {
-  std::string tool = envdumpTool.string();
-  char* argv[] = {tool.data(), nullptr};
-  pid_t pid = 0;
-  FILE* output = child_popen(argv, "r", &pid);
-  if (output == nullptr) {
-    std::cerr << "Error executing envdump." << std::endl;
-    return false;
-  }
-  const std::string printed = ReadAllLines(output);
-  child_pclose(output, pid);
+  ChildProcess envdump = ChildProcess::Start({envdumpTool.string()}, "r", "Error executing envdump.");
+  if (!envdump.started()) return false;
+  const std::string printed = ReadAllLines(envdump.stream());
+  envdump.Close();
   try {
     fs::copy_file(DumpPathFromEnvdumpOutput(printed), reportPath, fs::copy_options::overwrite_existing);
   } catch (const fs::filesystem_error& error) {

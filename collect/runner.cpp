@@ -1,13 +1,10 @@
 // Every file operation runs a standard tool as a child and is judged by its
 // exit status; nothing here goes through a shell.
-#include <sys/types.h>
-#include <sys/wait.h>
-
 #include <filesystem>
 #include <iostream>
 
 #include "app/app.h"
-#include "logclient/logclient.h"
+#include "collect/child_process.h"
 
 namespace fs = std::filesystem;
 
@@ -32,18 +29,11 @@ bool JudgeWaitStatus(int status, int expectedExit) {
 }  // namespace
 
 bool App::RunCommand(const std::vector<std::string>& argv, int expectedExit) {
-  std::vector<std::string> words(argv);
-  std::vector<char*> pointers;
-  pointers.reserve(words.size() + 1);
-  for (std::string& word : words) pointers.push_back(word.data());
-  pointers.push_back(nullptr);
-
-  pid_t pid = 0;
   // Mode "w" leaves the child's output on our own stdout and stderr; its
   // stdin is a pipe we never write to.
-  FILE* stream = child_popen(pointers.data(), "w", &pid);
-  if (stream == nullptr) return false;
-  return JudgeWaitStatus(child_pclose(stream, pid), expectedExit);
+  ChildProcess child = ChildProcess::Start(argv, "w", "");
+  if (!child.started()) return false;
+  return JudgeWaitStatus(child.Close(), expectedExit);
 }
 
 bool App::IsXdgOpenAvailable() { return RunCommand({"which", "xdg-open"}, 0); }
