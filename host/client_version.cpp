@@ -31,7 +31,10 @@ void KeepForProcessLifetime(wchar_t* buffer) {
   kept->push_back(buffer);
 }
 
-std::wstring ToWideCopy(const char* text) { return std::wstring(ToWideString(text)); }
+std::wstring ToWideCopy(const char* text) {
+  const wchar_t* wide = ToWideString(text);
+  return wide != nullptr ? std::wstring(wide) : std::wstring();
+}
 
 std::string ReadVersionFileFirstLine() {
   std::ifstream in(FindInstallRoot() + "/pkginf/Ver.core." + PlatformFolderName());
@@ -68,17 +71,20 @@ std::wstring GetOsFamilyName() { return L"Linux"; }
 
 wchar_t* ToWideString(const char* text) {
   if (text == nullptr) text = "";
+  constexpr size_t kFailed = static_cast<size_t>(-1);
   size_t length = mbstowcs(nullptr, text, 0);
-  bool convertible = length != static_cast<size_t>(-1);
-  if (!convertible) {
+  if (length == kFailed) {
     std::fputs("error", stdout);
-    length = 0;
+    length = 0;  // the conversion below then has no room: an empty text, not an overrun
   }
-  auto* wide = new wchar_t[length + 1]();
-  KeepForProcessLifetime(wide);
-  // The same text fails the conversion too; say so again, as a real attempt would.
-  if (!convertible || mbstowcs(wide, text, length + 1) == static_cast<size_t>(-1))
+  auto* wide = static_cast<wchar_t*>(std::calloc(length + 1, sizeof(wchar_t)));
+  if (wide == nullptr) {
     std::fputs("error", stdout);
+    return nullptr;
+  }
+  KeepForProcessLifetime(wide);
+  // At most length characters: the zero fill is the terminator.
+  if (mbstowcs(wide, text, length) == kFailed) std::fputs("error", stdout);
   return wide;
 }
 

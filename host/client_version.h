@@ -5,7 +5,8 @@
 std::wstring GetClientVersion();
 std::wstring GetKernelRelease();
 std::wstring GetOsFamilyName();
-// Newly allocated with new[]; the caller owns it.
+// Newly allocated and zero-filled, null only when memory runs out; the
+// caller owns it. Writes "error" to stdout once per failed step.
 wchar_t* ToWideString(const char* text);
 std::string ToNarrowString(const wchar_t* text);
 std::string ToNarrowString(const std::wstring& text);
