@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <mutex>
 
 #include "logclient/config_area.h"
 #include "logclient/logclient.h"
@@ -44,6 +45,19 @@ void TakeLinkDown() {
   if (fd < 0) return;
   shutdown(fd, SHUT_RDWR);
   close(fd);
+}
+
+namespace {
+
+std::mutex g_initLock;
+
+}  // namespace
+
+void InitialiseOnce(void (*firstCall)()) {
+  std::lock_guard<std::mutex> lock(g_initLock);
+  if (g_client.initialised.load(std::memory_order_acquire)) return;
+  firstCall();
+  g_client.initialised.store(true, std::memory_order_release);
 }
 
 namespace {
@@ -91,15 +105,14 @@ using logclient::g_client;
 extern "C" {
 
 int log_client_init(void) {
-  if (!g_client.initialised.load(std::memory_order_acquire)) {
+  logclient::InitialiseOnce([] {
     logclient::SetIdentity();
     logclient::MapConfigArea();
     openlog(g_client.identity, LOG_PID | LOG_CONS, LOG_USER);
     setlogmask(0x7F);
     g_client.syslogOpen = true;
     logclient::ConnectToLogd();
-    g_client.initialised.store(true, std::memory_order_release);
-  }
+  });
   bool linkDown = g_client.linkFd.load() < 0;
   if (linkDown) syslog(LOG_ERR, "Failed to connect with logd.");
   if (g_client.syslogOpen) return 1;
@@ -108,6 +121,7 @@ int log_client_init(void) {
 }
 
 void log_client_shutdown(void) {
+  std::lock_guard<std::mutex> lock(logclient::g_initLock);
   if (!g_client.initialised.load(std::memory_order_acquire)) return;
   logclient::TakeLinkDown();
   if (g_client.syslogOpen) {

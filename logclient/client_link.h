@@ -41,6 +41,10 @@ class ScopedIgnoreSigpipe {
 // as the client family has always done).
 int ConnectUnixSocket(const char* path, bool* connected);
 
+// Runs firstCall and marks the library initialised, unless it is already;
+// callers racing here wait until the one doing the work is done.
+void InitialiseOnce(void (*firstCall)());
+
 // Takes the link down; safe to race with other writers.
 void TakeLinkDown();
 

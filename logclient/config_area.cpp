@@ -97,10 +97,7 @@ int LoadTuning(int32_t logclient::ConfigArea::*field) {
 extern "C" {
 
 int log_config_open(void) {
-  if (!logclient::g_client.initialised.load(std::memory_order_acquire)) {
-    logclient::MapConfigArea();
-    logclient::g_client.initialised.store(true, std::memory_order_release);
-  }
+  logclient::InitialiseOnce([] { logclient::MapConfigArea(); });
   return g_area != nullptr ? 1 : 0;
 }
 
