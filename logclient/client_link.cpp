@@ -2,6 +2,8 @@
 // link to logd; and taking it all down again.
 #include "logclient/client_link.h"
 
+#include <pthread.h>
+#include <sched.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <syslog.h>
@@ -40,16 +42,39 @@ int ConnectUnixSocket(const char* path, bool* connected) {
   return fd;
 }
 
-void TakeLinkDown() {
-  int fd = g_client.linkFd.exchange(-1);
-  if (fd < 0) return;
+void TakeLinkDown(int fd) {
+  // Only the link that failed: writers racing here take it down once.
+  if (fd < 0 || !g_client.linkFd.compare_exchange_strong(fd, -1)) return;
+  // Writers that already hold the number fail from here on instead of
+  // blocking; new ones see the link down.
   shutdown(fd, SHUT_RDWR);
-  close(fd);
+  g_client.retiredFd.store(fd);
+  CloseRetiredLink();
+}
+
+void CloseRetiredLink() {
+  if (g_client.writersInFlight.load() != 0) return;
+  int fd = g_client.retiredFd.exchange(-1);
+  if (fd >= 0) close(fd);
 }
 
 namespace {
 
 std::mutex g_initLock;
+
+// The forking thread is not writing, and no other thread exists in the child.
+void ForgetWritersInChild() { g_client.writersInFlight.store(0); }
+
+[[maybe_unused]] const int g_atforkRegistered = pthread_atfork(nullptr, nullptr, ForgetWritersInChild);
+
+// A new link must not start while an old socket waits for its last writer:
+// there is one slot for it. Writers leave quickly once the link is down.
+void WaitForRetiredLink() {
+  while (g_client.retiredFd.load() >= 0) {
+    CloseRetiredLink();
+    sched_yield();
+  }
+}
 
 }  // namespace
 
@@ -85,6 +110,7 @@ bool SendHello(int fd) {
 }
 
 void ConnectToLogd() {
+  WaitForRetiredLink();
   // A logd that goes away between connect and hello must not kill the host.
   ScopedIgnoreSigpipe guard;
   bool connected = false;
@@ -123,7 +149,7 @@ int log_client_init(void) {
 void log_client_shutdown(void) {
   std::lock_guard<std::mutex> lock(logclient::g_initLock);
   if (!g_client.initialised.load(std::memory_order_acquire)) return;
-  logclient::TakeLinkDown();
+  logclient::TakeLinkDown(g_client.linkFd.load());
   if (g_client.syslogOpen) {
     closelog();
     g_client.syslogOpen = false;

@@ -78,8 +78,11 @@ size_t FormatText(char* text, const ThreadIdentity& thread, const char* format, 
   return length + FormatRecordText(text + length, wire::kTextBufferSize - length, format, args);
 }
 
-void SendRecord(int fd, int logClass, int level, const char* format, va_list args) {
+// Sends one record on the link; false when the link is down.
+bool SendRecord(int logClass, int level, const char* format, va_list args) {
   using namespace wire;
+  LinkUse link;
+  if (link.fd() < 0) return false;
   unsigned char message[kHeaderSize + kMaxRecordBody];
   unsigned char* body = message + kHeaderSize;
   const ThreadIdentity& thread = CurrentThread();
@@ -99,8 +102,9 @@ void SendRecord(int fd, int logClass, int level, const char* format, va_list arg
   // One write keeps records from different threads whole on the stream. A
   // short or failed write leaves logd mid-record, so the link cannot be
   // trusted again and stays down.
-  ssize_t written = write(fd, message, kHeaderSize + bodyLength);
-  if (written != static_cast<ssize_t>(kHeaderSize + bodyLength)) TakeLinkDown();
+  ssize_t written = write(link.fd(), message, kHeaderSize + bodyLength);
+  if (written != static_cast<ssize_t>(kHeaderSize + bodyLength)) TakeLinkDown(link.fd());
+  return true;
 }
 
 // The filter runs before any va_list work so that a dropped call costs a few
@@ -119,10 +123,7 @@ inline bool AcceptsClassed(int logClass, int level, const char* originA, const c
 
 [[gnu::noinline]] void DeliverClassed(int logClass, int level, const char* format,
                                       va_list args) {
-  int fd = g_client.linkFd.load(std::memory_order_relaxed);
-  if (fd >= 0)
-    SendRecord(fd, logClass, level, format, args);
-  else if (g_client.syslogOpen)
+  if (!SendRecord(logClass, level, format, args) && g_client.syslogOpen)
     vsyslog(SyslogPriority(level), format, args);
 }
 
@@ -162,8 +163,7 @@ void log_write(int level, const char* origin_a, const char* origin_b, int /*orig
     vsyslog(logclient::SyslogPriority(level), format, copy);
     va_end(copy);
   }
-  int fd = g_client.linkFd.load(std::memory_order_relaxed);
-  if (fd >= 0) logclient::SendRecord(fd, 0, level, format, args);
+  logclient::SendRecord(0, level, format, args);
   va_end(args);
 }
 
