@@ -21,20 +21,17 @@
 namespace logclient {
 namespace {
 
-// "[" + a 15-character thread name + "]: " and a NUL.
-inline constexpr size_t kPrefixSize = 1 + 15 + 3 + 1;
+// The kernel's thread name: at most 15 characters and a NUL.
+inline constexpr size_t kThreadNameSize = 16;
 
-// gettid and the thread-name call are system calls; a record must cost little
-// more than its write, so both are taken once per thread. A thread renamed
-// after its first record keeps its old name in the prefix.
-struct ThreadIdentity {
+// gettid is a system call and a thread's id never changes, so it is taken
+// once per thread. The name is read for every record: threads get renamed.
+struct ThreadId {
   bool known = false;
   uint16_t tid = 0;
-  uint8_t prefixLength = 0;
-  char prefix[kPrefixSize] = {};
 };
 
-thread_local ThreadIdentity t_thread;
+thread_local ThreadId t_thread;
 
 // The forking thread is the child's only thread and carries its parent's
 // cache: the child has a new thread id.
@@ -43,17 +40,26 @@ void ForgetThreadInChild() { t_thread.known = false; }
 [[maybe_unused]] const int g_atforkRegistered =
     pthread_atfork(nullptr, nullptr, ForgetThreadInChild);
 
-const ThreadIdentity& CurrentThread() {
-  ThreadIdentity& self = t_thread;
-  if (self.known) return self;
-  char name[16] = {};
+uint16_t CurrentThreadId() {
+  ThreadId& self = t_thread;
+  if (!self.known) {
+    self.tid = static_cast<uint16_t>(gettid());
+    self.known = true;
+  }
+  return self.tid;
+}
+
+// Writes "[name]: " with the thread's current name (empty when it cannot be
+// had) and returns its length.
+size_t PutThreadNamePrefix(char* text) {
+  char name[kThreadNameSize] = {};
   if (prctl(PR_GET_NAME, name) != 0) name[0] = '\0';
-  name[sizeof name - 1] = '\0';
-  int length = snprintf(self.prefix, sizeof self.prefix, "[%s]: ", name);
-  self.prefixLength = static_cast<uint8_t>(length);
-  self.tid = static_cast<uint16_t>(gettid());
-  self.known = true;
-  return self;
+  name[kThreadNameSize - 1] = '\0';
+  const size_t nameLength = strlen(name);
+  text[0] = '[';
+  memcpy(text + 1, name, nameLength);
+  memcpy(text + 1 + nameLength, "]: ", 3);
+  return nameLength + 4;
 }
 
 int SyslogPriority(int level) {
@@ -68,13 +74,10 @@ int SyslogPriority(int level) {
 
 // Formats the text (thread-name prefix first when the area asks for it) into
 // the text buffer and returns its length without the NUL, cut to fit.
-size_t FormatText(char* text, const ThreadIdentity& thread, const char* format, va_list args) {
+size_t FormatText(char* text, const char* format, va_list args) {
   size_t length = 0;
   uint32_t flags = g_area != nullptr ? LoadWord(g_area->flags) : 0;
-  if (flags & LOG_FLAG_THREAD_NAME) {
-    memcpy(text, thread.prefix, thread.prefixLength);
-    length = thread.prefixLength;
-  }
+  if (flags & LOG_FLAG_THREAD_NAME) length = PutThreadNamePrefix(text);
   return length + FormatRecordText(text + length, wire::kTextBufferSize - length, format, args);
 }
 
@@ -85,9 +88,7 @@ bool SendRecord(int logClass, int level, const char* format, va_list args) {
   if (link.fd() < 0) return false;
   unsigned char message[kHeaderSize + kMaxRecordBody];
   unsigned char* body = message + kHeaderSize;
-  const ThreadIdentity& thread = CurrentThread();
-  size_t textLength =
-      FormatText(reinterpret_cast<char*>(body + kRecordFixedSize), thread, format, args);
+  size_t textLength = FormatText(reinterpret_cast<char*>(body + kRecordFixedSize), format, args);
   timeval now;
   gettimeofday(&now, nullptr);  // served by the vDSO, no system call
 
@@ -95,7 +96,7 @@ bool SendRecord(int logClass, int level, const char* format, va_list args) {
   PutHeader(message, bodyLength, kTypeRecord);
   PutU16(body + kRecordLevel, static_cast<uint16_t>(level));
   PutU16(body + kRecordClass, static_cast<uint16_t>(logClass));
-  PutU16(body + kRecordThread, thread.tid);
+  PutU16(body + kRecordThread, CurrentThreadId());
   PutU32(body + kRecordSeconds, static_cast<uint32_t>(now.tv_sec));
   PutU32(body + kRecordMicros, static_cast<uint32_t>(now.tv_usec));
 
