@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <mutex>
 
 namespace logclient_test {
 
@@ -12,24 +13,32 @@ std::vector<std::string>& SystemLogCalls() {
 
 }  // namespace logclient_test
 
-using logclient_test::SystemLogCalls;
+namespace {
+
+// Writer threads fall back to the system log together once the link fails.
+void Record(std::string call) {
+  static std::mutex lock;
+  std::lock_guard<std::mutex> hold(lock);
+  logclient_test::SystemLogCalls().push_back(std::move(call));
+}
+
+}  // namespace
 
 extern "C" {
 
 void openlog(const char* ident, int option, int facility) {
-  SystemLogCalls().push_back("openlog " + std::string(ident) + " " + std::to_string(option) + " " +
-                             std::to_string(facility));
+  Record("openlog " + std::string(ident) + " " + std::to_string(option) + " " + std::to_string(facility));
 }
 
 int setlogmask(int mask) {
-  SystemLogCalls().push_back("setlogmask " + std::to_string(mask));
+  Record("setlogmask " + std::to_string(mask));
   return 0;
 }
 
 void vsyslog(int priority, const char* format, va_list args) {
   char text[512];
   vsnprintf(text, sizeof text, format, args);
-  SystemLogCalls().push_back("syslog " + std::to_string(priority) + " " + text);
+  Record("syslog " + std::to_string(priority) + " " + text);
 }
 
 void syslog(int priority, const char* format, ...) {
@@ -39,7 +48,7 @@ void syslog(int priority, const char* format, ...) {
   va_end(args);
 }
 
-void closelog() { SystemLogCalls().push_back("closelog"); }
+void closelog() { Record("closelog"); }
 
 }  // extern "C"
 
