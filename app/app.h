@@ -65,7 +65,7 @@ class App {
   bool CopyActivityLogsToIssueFolder();
   bool StageKeywardConfig(const std::filesystem::path& destination);
 
-  // --- engine: archive (collect/archive.cpp) ---
+  // --- engine: archive (collect/archive.cpp) and its time stamp (collect/timestamp.cpp) ---
   int CreateArchive(const FileList& list, const std::string& archivePath);
   std::string TimestampText();
 

@@ -3,4 +3,6 @@
 #include <cstddef>
 
 int ReduceCapabilities();
+// Clears a buffer byte by byte with stores the compiler may not drop, for
+// secrets that are about to be freed; a null buffer is left alone.
 void SecureZero(void* buffer, size_t length);

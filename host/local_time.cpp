@@ -1,9 +1,9 @@
+#include "host/local_time.h"
+
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <iostream>
-
-#include "host/user_paths.h"
 
 std::string FormatLocalTime(const char* format) {
   char buffer[256];

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <sstream>
 
-#include "collect/archive.h"
+#include "collect/timestamp.h"
 #include "engine_fixture.h"
 #include "support/files.h"
 
