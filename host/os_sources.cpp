@@ -48,7 +48,7 @@ std::string ReadFixedFile(const char* path, unsigned pieceSize) {
   return text;
 }
 
-std::string RunCommand(const char* command, unsigned pieceSize) {
+std::string ReadCommandOutput(const char* command, unsigned pieceSize) {
   CommandOutput output(popen(command, "r"));
   return output ? ReadInPieces(output.get(), pieceSize) : "";
 }
@@ -73,12 +73,12 @@ std::string ReadThinClientInfo(const OsQueryLimits* limits) {
 
 std::string ReadKernelRelease(const OsQueryLimits* limits) {
   if (!IsExecutableOnPath(limits->pathBufferSize, "/uname")) return "";
-  return WithoutLineFeeds(RunCommand("uname -or", limits->lineBufferSize));
+  return WithoutLineFeeds(ReadCommandOutput("uname -or", limits->lineBufferSize));
 }
 
 std::string ReadOsRelease(const OsQueryLimits* limits) {
   // When the release command exists its answer is final, even an empty one.
   if (IsExecutableOnPath(limits->pathBufferSize, "/lsb_release"))
-    return WithoutLineFeeds(RunCommand("lsb_release -d | cut -f2", limits->lineBufferSize));
+    return WithoutLineFeeds(ReadCommandOutput("lsb_release -d | cut -f2", limits->lineBufferSize));
   return ParseOsReleaseText(ReadFixedFile(kOsReleaseFile, kFixedPieceSize));
 }

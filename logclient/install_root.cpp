@@ -49,7 +49,7 @@ bool TakeRootFromExecutable() {
   return TakeRootIfValid(folder.substr(0, slash));
 }
 
-void FindInstallRoot() {
+void TakeFirstValidRoot() {
   const char* fromEnvironment = getenv("ORBROOT");
   if (fromEnvironment != nullptr && TakeRootIfValid(fromEnvironment)) return;
   if (TakeRootFromExecutable()) return;
@@ -103,7 +103,7 @@ int is_client_install_root(const char* folder) {
 const char* client_install_root(void) {
   if (!logclient::g_installRootLooked) {
     logclient::g_installRootLooked = true;
-    logclient::FindInstallRoot();
+    logclient::TakeFirstValidRoot();
   }
   return logclient::g_installRoot;
 }
