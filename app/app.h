@@ -33,6 +33,7 @@ class App {
   void ShowCollectingState();
   void ShowIdleState(int failed);
   void ShowLastSaved();
+  void ShowSavedState();
   void SaveOrView(GtkWidget* window);
   void SaveIssueLogs(GtkWidget* window);
   void ToggleIssueReproduction(GtkWidget* window);

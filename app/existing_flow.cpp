@@ -4,18 +4,6 @@
 #include "app/constants.h"
 #include "app/i18n.h"
 
-namespace {
-
-void ShowSavedAsView(App& app) {
-  gtk_widget_hide(app.collectExistingText);
-  gtk_label_set_text(GTK_LABEL(app.stopText), _("Click \"View saved logs\" to view the recently saved logs."));
-  gtk_button_set_label(GTK_BUTTON(app.saveButton), _("View saved logs"));
-  gtk_widget_show(app.saveButton);
-  app.saveButtonIsView = 1;
-}
-
-}  // namespace
-
 void App::CollectExistingLogs(GtkWidget* window) {
   CollectDiagnostics(logsFolder);
   // The diagnostics step has just copied the install root's configuration onto
@@ -26,7 +14,10 @@ void App::CollectExistingLogs(GtkWidget* window) {
   const int result = CreateArchive(files, existingArchive.string());
   if (result == 0) {
     if (!SaveArchiveDialog(existingArchive, std::string(constants::kExistingArchiveName), window)) return;
-    if (saveButtonIsView == 0) ShowSavedAsView(*this);
+    if (saveButtonIsView == 0) {
+      gtk_widget_hide(collectExistingText);
+      ShowSavedState();
+    }
     ShowLastSaved();
   } else if (result == 1) {
     // Names the file, not the folder as the issue flow does.

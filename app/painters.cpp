@@ -1,5 +1,6 @@
-// The state painters: every change of the window between its states goes
-// through these, so the wording the user sees is fixed in one place.
+// The state painters: the run, idle and saved states of the window and the
+// last-saved line, each painted in one place. The flows themselves change
+// only the one hint or label that belongs to their own step.
 #include "app/app.h"
 #include "app/i18n.h"
 
@@ -41,4 +42,13 @@ void App::ShowLastSaved() {
   lastSavedText = std::string(_("Last saved log: ")) + " " + TimestampText();
   gtk_widget_show(lastLogLabel);
   SetLabel(lastLogLabel, _(lastSavedText.c_str()));
+}
+
+void App::ShowSavedState() {
+  SetLabel(stopText, _("Click \"View saved logs\" to view the recently saved logs."));
+  gtk_widget_hide(saveButton);
+  gtk_button_set_label(GTK_BUTTON(saveButton), _("View saved logs"));
+  // Shown in every case: after collecting existing logs it may not have been visible yet.
+  gtk_widget_show(saveButton);
+  saveButtonIsView = 1;
 }
