@@ -2,22 +2,15 @@
 #include "app/app.h"
 #include "logclient/logclient.h"
 
-namespace {
-
-constexpr int kLogClassCount = 60;
-constexpr int kVerboseLevel = 1;
-
-}  // namespace
-
 void App::RaiseAllLogLevels() {
   // Without a configuration area every call below fails quietly and the run goes on.
   log_client_init();
   // Only class 0's stored level is kept; stop gives it to every class.
   savedLogLevel = log_get_class_level(0);
-  SetAllLogLevels(kVerboseLevel);
+  SetAllLogLevels(LOG_LEVEL_VERBOSE);
   log_set_shared_path(issueClientLog.c_str());
 }
 
 void App::SetAllLogLevels(int level) {
-  for (int logClass = 0; logClass < kLogClassCount; ++logClass) log_set_class_level(logClass, level);
+  for (int logClass = 0; logClass < LOG_CLASS_COUNT; ++logClass) log_set_class_level(logClass, level);
 }

@@ -4,12 +4,17 @@
 // format: do not reorder or pad.
 #include <cstdint>
 
+#include "logclient/logclient.h"
+
 namespace logclient {
 
 inline constexpr int kClassCount = 60;
 inline constexpr int kLevelCount = 8;
 inline constexpr int kSharedPathSize = 256;
 inline constexpr uint32_t kAreaMagic = 0x12345678;
+// Callers size their loops by the public header; the area must agree with it.
+static_assert(kClassCount == LOG_CLASS_COUNT, "the area holds one level per public log class");
+static_assert(kLevelCount == LOG_LEVEL_NONE + 1, "levels run from LOG_LEVEL_INHERIT to LOG_LEVEL_NONE");
 
 struct ConfigArea {
   uint32_t flags;
