@@ -1,5 +1,6 @@
 // The one modal message builder behind every error, question and notice.
 #include "app/app.h"
+#include "app/gobject_ptr.h"
 #include "app/i18n.h"
 
 namespace {
@@ -38,15 +39,13 @@ void PackIconAndText(GtkDialog* dialog, int kind, const std::string& text) {
 }  // namespace
 
 int App::ShowMessage(GtkWidget* parent, int kind, const std::string& text) {
-  GtkWidget* dialog = gtk_dialog_new_with_buttons(_("Norvex Log Collection Utility"),
-                                                  parent ? GTK_WINDOW(parent) : nullptr,
-                                                  GTK_DIALOG_DESTROY_WITH_PARENT, nullptr, nullptr);
-  AddButtonsFor(GTK_DIALOG(dialog), kind);
-  PackIconAndText(GTK_DIALOG(dialog), kind, text);
-  gtk_widget_show_all(dialog);
-  const int response = gtk_dialog_run(GTK_DIALOG(dialog));
-  gtk_widget_destroy(dialog);
-  return response;
+  DialogPtr dialog(gtk_dialog_new_with_buttons(_("Norvex Log Collection Utility"),
+                                               parent ? GTK_WINDOW(parent) : nullptr,
+                                               GTK_DIALOG_DESTROY_WITH_PARENT, nullptr, nullptr));
+  AddButtonsFor(GTK_DIALOG(dialog.get()), kind);
+  PackIconAndText(GTK_DIALOG(dialog.get()), kind, text);
+  gtk_widget_show_all(dialog.get());
+  return gtk_dialog_run(GTK_DIALOG(dialog.get()));
 }
 
 void App::ShowError(GtkWidget* parent, const std::string& text) { ShowMessage(parent, kMessageError, text); }

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "app/app.h"
+#include "app/gobject_ptr.h"
 #include "app/i18n.h"
 
 namespace fs = std::filesystem;
@@ -22,30 +23,23 @@ fs::path RunSaveChooser(GtkWidget* dialog, const std::string& defaultName, const
   // Opens the dialog in the home folder.
   gtk_file_chooser_set_filename(chooser, JoinPath(home.string(), defaultName).c_str());
   if (gtk_dialog_run(GTK_DIALOG(dialog)) != GTK_RESPONSE_ACCEPT) return {};
-  gchar* chosen = gtk_file_chooser_get_filename(chooser);
-  fs::path result = chosen ? chosen : "";
-  g_free(chosen);
-  return result;
+  const GCharPtr chosen(gtk_file_chooser_get_filename(chooser));
+  return chosen ? fs::path(chosen.get()) : fs::path();
 }
 
 }  // namespace
 
 bool App::SaveArchiveDialog(const fs::path& archive, const std::string& defaultName, GtkWidget* parent) {
-  GtkWidget* dialog = NewSaveChooser(parent);
-  if (dialog == nullptr) {
+  const DialogPtr dialog(NewSaveChooser(parent));
+  if (!dialog) {
     std::cerr << "Error while opening dialog" << std::endl;
     return false;
   }
-  const fs::path chosen = RunSaveChooser(dialog, defaultName, homeFolder);
-  if (chosen.empty()) {
-    gtk_widget_destroy(dialog);
-    return false;
-  }
+  const fs::path chosen = RunSaveChooser(dialog.get(), defaultName, homeFolder);
+  if (chosen.empty()) return false;
   // Out of sight while the copy runs, so a failure message is not shown beneath it.
-  gtk_widget_hide(dialog);
-  const bool saved = CopyChosenArchive(archive, chosen, parent);
-  gtk_widget_destroy(dialog);
-  return saved;
+  gtk_widget_hide(dialog.get());
+  return CopyChosenArchive(archive, chosen, parent);
 }
 
 bool App::CopyChosenArchive(const fs::path& archive, const fs::path& chosen, GtkWidget* parent) {
