@@ -1,6 +1,6 @@
 // App::SetAllLogLevels for the sixty classes, with the area mapped as in an
 // issue-reproduction run. Its floor is sixty plain stores into a mapping of
-// the same file; a bare call into the library is the floor of one call.
+// the same file.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -14,10 +14,11 @@
 
 #include "app/app.h"
 #include "logclient/logclient.h"
+#include "pairs.h"
 
 namespace {
 
-constexpr int kClasses = 60;
+constexpr int kClasses = LOG_CLASS_COUNT;
 
 App& TheApp() {
   static App app;
@@ -44,17 +45,8 @@ void BM_SixtyMappedStores(benchmark::State& state) {
   }
 }
 
-void BM_BareLibraryCall(benchmark::State& state) {
-  int logClass = kClasses;  // out of range: refused at the first test
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(logClass);
-    benchmark::DoNotOptimize(log_get_class_level(logClass));
-  }
-}
-
-BENCHMARK(BM_SetAllLogLevels);
-BENCHMARK(BM_SixtyMappedStores);
-BENCHMARK(BM_BareLibraryCall);
+BENCHMARK(BM_SetAllLogLevels)->MinTime(0.1);
+BENCHMARK(BM_SixtyMappedStores)->MinTime(0.1);
 
 // A scratch HOME (and no install-root search noise) for the area file.
 std::string PrepareHome() {
@@ -80,10 +72,10 @@ int main(int argc, char** argv) {
     return 1;
   }
   benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
+  const bool ran = RunPairs("set_all_levels", "BM_SixtyMappedStores", "BM_SetAllLogLevels", 15);
   benchmark::Shutdown();
   log_client_shutdown();
   std::error_code ignored;
   std::filesystem::remove_all(home, ignored);
-  return 0;
+  return ran ? 0 : 1;
 }

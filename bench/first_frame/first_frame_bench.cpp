@@ -1,20 +1,20 @@
-// Starts logmgr and a minimal GTK 3 window the same way (same environment,
-// same preloaded shim, alternating runs) and reports, as medians, the time
-// from fork to the first drawn frame and the peak resident memory at that
-// frame. Needs a display (bench/run starts Xvfb).
+// Starts a minimal GTK 3 window and logmgr the same way (same environment,
+// same preloaded shim) in turns, and prints per pair the time from fork to
+// the first drawn frame and the peak resident memory at that frame. Needs a
+// display (bench/run starts Xvfb).
 #include <signal.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
-#include <vector>
+
+#include "pairs.h"
 
 namespace fs = std::filesystem;
 
@@ -69,16 +69,10 @@ Frame RunOnce(const char* program, const fs::path& frameFile) {
   return frame;
 }
 
-template <typename T>
-T Median(std::vector<T> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int runs = argc > 1 ? atoi(argv[1]) : 11;
+  const int pairs = argc > 1 ? atoi(argv[1]) : 11;
   char scratch[] = "/tmp/first-frame-XXXXXX";
   if (mkdtemp(scratch) == nullptr || getenv("DISPLAY") == nullptr) {
     fprintf(stderr, "first_frame_bench: needs a scratch folder and a DISPLAY\n");
@@ -92,23 +86,17 @@ int main(int argc, char** argv) {
   setenv("NO_AT_BRIDGE", "1", 1);
   setenv("GSETTINGS_BACKEND", "memory", 1);
 
-  std::vector<double> ours, floor;
-  std::vector<long> oursKb, floorKb;
-  for (int i = -1; i < runs; ++i) {  // run -1 warms the caches and is not counted
-    const Frame a = RunOnce(LOGMGR, top / "frame");
-    const Frame b = RunOnce(MINIMAL_WINDOW, top / "frame");
-    if (a.milliseconds < 0 || b.milliseconds < 0) {
+  for (int pair = -1; pair < pairs; ++pair) {  // pair -1 warms the caches and is not printed
+    const Frame floor = RunOnce(MINIMAL_WINDOW, top / "frame");
+    const Frame subject = RunOnce(LOGMGR, top / "frame");
+    if (floor.milliseconds < 0 || subject.milliseconds < 0) {
       fprintf(stderr, "first_frame_bench: a program drew no frame\n");
       return 1;
     }
-    if (i < 0) continue;
-    ours.push_back(a.milliseconds);
-    floor.push_back(b.milliseconds);
-    oursKb.push_back(a.peakKb);
-    floorKb.push_back(b.peakKb);
+    if (pair < 0) continue;
+    PrintPair("first_frame_ms", floor.milliseconds, subject.milliseconds);
+    PrintPair("first_frame_hwm_kb", static_cast<double>(floor.peakKb), static_cast<double>(subject.peakKb));
   }
-  printf("first_frame logmgr_ms=%.2f minimal_ms=%.2f logmgr_hwm_kb=%ld minimal_hwm_kb=%ld runs=%d\n",
-         Median(ours), Median(floor), Median(oursKb), Median(floorKb), runs);
   fs::remove_all(top);
   return 0;
 }
