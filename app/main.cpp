@@ -30,12 +30,7 @@ int main() {
   const std::string programName(constants::kProgramShortName);
   if (EnsureSingleInstance(programName)) return 0;
 
-  const std::string translationFolder = FindInstallRoot() + "/nls";
-  setlocale(LC_ALL, "");
-  const std::string domain(constants::kTextDomain);
-  bindtextdomain(domain.c_str(), translationFolder.c_str());
-  bind_textdomain_codeset(domain.c_str(), "UTF-8");
-  textdomain(domain.c_str());
+  BindMessageCatalogue(FindInstallRoot());
 
   gApp->Run();
   return 0;
