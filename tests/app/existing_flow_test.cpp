@@ -1,59 +1,64 @@
 // The collect-existing flow through the window's "existing_log" button.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "app_root.h"
-#include "support/dialogs.h"
 #include "support/files.h"
 #include "window_fixture.h"
 
 namespace apptest {
 namespace {
 
-using ExistingFlowTest = WindowTest;
+namespace fs = std::filesystem;
+using testsupport::AnswerNextDialog;
+using testsupport::DialogRecord;
 
-TEST_F(ExistingFlowTest, SavedArchiveCarriesTheLogsAndTheConfigurationAsClientLog) {
-  testsupport::WriteFile(LogsFolder() / "KeywardSvr.latest", "keyward\n");
-  testsupport::WriteFile(LogsFolder() / "userActivitylog.1", "older activity\n");
-  testsupport::WriteFile(LogsFolder() / "kvlog.3", "sibling\n");
-  const std::filesystem::path target = scratch_ / "existing.tar.gz";
+TEST_F(WindowTest, SavedArchiveCarriesTheConfigurationAsClientLogAndTheButtonThenViews) {
+  testsupport::WriteFile(Logs() / "KeywardSvr.latest", "keyward\n");
+  testsupport::WriteFile(Logs() / "userActivitylog.1", "older activity\n");
+  testsupport::WriteFile(Logs() / "kvlog.3", "sibling\n");
+  const fs::path target = scratch_ / "existing.tar.gz";
   std::string suggested;
+  DialogRecord view;
   RunWindow([&](GtkWidget*) {
     testsupport::SaveAsInNextFileChooser(target, nullptr, &suggested);
     Click(app_->existingLogButton);
-    EXPECT_TRUE(Visible(app_->saveButton));
-    EXPECT_EQ(LabelText(app_->saveButton), "View saved logs");
+    EXPECT_TRUE(Visible(app_->saveButton) && Visible(app_->lastLogLabel));
     EXPECT_FALSE(Visible(app_->collectExistingText));
+    EXPECT_EQ(LabelText(app_->saveButton), "View saved logs");
     EXPECT_EQ(LabelText(app_->stopText), "Click \"View saved logs\" to view the recently saved logs.");
-    EXPECT_TRUE(Visible(app_->lastLogLabel));
+    // No opener on PATH: the button says where the file is.
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &view);
+    Click(app_->saveButton);
   });
   EXPECT_EQ(suggested, "NorvexDeskline-ExistingLogs.tar.gz");
-  EXPECT_EQ(app_->collecting, 0);
-  auto members = ArchiveMembers(target);
-  std::sort(members.begin(), members.end());
-  EXPECT_EQ(members, (std::vector<std::string>{"DesklineCheck.txt", "Envdump.txt", "KeywardSvr.latest",
-                                                "ORBClient.log", "UserSystemInfo.txt", "kvlog.3",
-                                                "userActivitylog.1"}));
-  // The issue folder's client log was just overwritten with the configuration.
+  EXPECT_EQ(view.message, "Existing logs are saved at \"" + target.string() + "\".");
+  EXPECT_EQ(ArchiveMembers(target), (std::vector<std::string>{"DesklineCheck.txt", "Envdump.txt", "KeywardSvr.latest",
+                                                               "ORBClient.log", "UserSystemInfo.txt", "kvlog.3",
+                                                               "userActivitylog.1"}));
+  // The diagnostics step has just copied the configuration onto the issue folder's client log.
   EXPECT_EQ(ArchiveMember(target, "ORBClient.log"), kKeywardConfigText);
 }
 
-TEST_F(ExistingFlowTest, NothingToArchiveNamesTheClientLogFile) {
+TEST_F(WindowTest, NothingToArchiveNamesTheClientLogFileHereButTheFolderWhenARunStops) {
   // Reports that cannot be written: each name leads into a missing folder.
   for (const char* report : {"UserSystemInfo.txt", "Envdump.txt", "DesklineCheck.txt"})
-    std::filesystem::create_symlink(scratch_ / "missing" / report, LogsFolder() / report);
-  std::filesystem::remove(root_ / "config/KeywardConfig.xml");
-  testsupport::DialogRecord error;
+    fs::create_symlink(scratch_ / "missing" / report, Logs() / report);
+  fs::remove(root_ / "config/KeywardConfig.xml");
+  DialogRecord existing, stop;
   RunWindow([&](GtkWidget*) {
-    testsupport::AnswerNextDialog(GTK_RESPONSE_ACCEPT, &error);
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &existing);
     Click(app_->existingLogButton);
+    app_->ShowCollectingState();
+    app_->collecting = 1;
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &stop);
+    Click(app_->startStopButton);
   });
-  ASSERT_TRUE(error.seen);
-  EXPECT_EQ(error.message, "No files found at \"" + app_->existingClientLogCopy.string() +
-                               "\".\nUnable to create the tar archive.");
-  EXPECT_FALSE(std::filesystem::exists(app_->existingArchive));
-  EXPECT_EQ(app_->saveButtonIsView, 0);
+  const std::string unable = "\".\nUnable to create the tar archive.";
+  EXPECT_EQ(existing.message, "No files found at \"" + app_->existingClientLogCopy.string() + unable);
+  EXPECT_EQ(stop.message, "No files found at \"" + app_->issueFolder.string() + unable);
+  EXPECT_EQ(stop.buttons, std::vector<std::string>{"OK"});
+  EXPECT_FALSE(fs::exists(app_->existingArchive));
+  EXPECT_EQ(app_->collecting, 0);
+  EXPECT_TRUE(Visible(app_->existingLogButton));
+  EXPECT_FALSE(Visible(app_->saveButton));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "support/dialogs.h"
 
-#include <chrono>
-#include <memory>
+#include <set>
 
 namespace testsupport {
 namespace {
@@ -9,51 +8,28 @@ namespace {
 struct Watch {
   std::function<void(GtkDialog*)> act;
   GType type;
-  std::chrono::steady_clock::time_point deadline;
-  bool* seen;
+  int pollsLeft = 500;
+  guint source = 0;
 };
+
+std::set<guint> pending;  // sources of the watches still polling
 
 // A file chooser learns its folder asynchronously and ignores an answer given
 // before that, so it only counts as shown once the folder is known.
-// A plain dialog type never matches a file chooser, so a message answerer set
-// up before a chooser opens waits for the message that follows it.
-bool IsReady(GtkWidget* window, GType type) {
+bool Shown(GtkWidget* window, GType type) {
+  if (!G_TYPE_CHECK_INSTANCE_TYPE(window, type) || !gtk_widget_get_mapped(window)) return false;
   if (!GTK_IS_FILE_CHOOSER(window)) return true;
-  if (type == GTK_TYPE_DIALOG) return false;
-  gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
-  const bool known = folder != nullptr;
-  g_free(folder);
-  return known;
+  g_autofree gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
+  return type != GTK_TYPE_DIALOG && folder != nullptr;
 }
 
-GtkDialog* FindVisibleDialog(GType type) {
-  GtkDialog* found = nullptr;
+GtkDialog* FindShownDialog(GType type) {
   GList* toplevels = gtk_window_list_toplevels();
-  for (GList* item = toplevels; item; item = item->next) {
-    GtkWidget* window = GTK_WIDGET(item->data);
-    if (G_TYPE_CHECK_INSTANCE_TYPE(window, type) && gtk_widget_get_visible(window) &&
-        gtk_widget_get_mapped(window) && IsReady(window, type)) {
-      found = GTK_DIALOG(window);
-      break;
-    }
-  }
+  GtkDialog* found = nullptr;
+  for (GList* item = toplevels; item && !found; item = item->next)
+    if (Shown(GTK_WIDGET(item->data), type)) found = GTK_DIALOG(item->data);
   g_list_free(toplevels);
   return found;
-}
-
-gboolean PollForDialog(gpointer data) {
-  auto* watch = static_cast<Watch*>(data);
-  if (GtkDialog* dialog = FindVisibleDialog(watch->type)) {
-    if (watch->seen) *watch->seen = true;
-    watch->act(dialog);
-    delete watch;
-    return G_SOURCE_REMOVE;
-  }
-  if (std::chrono::steady_clock::now() > watch->deadline) {
-    delete watch;
-    return G_SOURCE_REMOVE;
-  }
-  return G_SOURCE_CONTINUE;
 }
 
 // Visits widget and everything below it, depth first; visit returns false
@@ -66,113 +42,99 @@ void Walk(GtkWidget* widget, const Visit& visit) {
   g_list_free(children);
 }
 
-std::string FindIconName(GtkWidget* widget) {
-  std::string name;
-  Walk(widget, [&](GtkWidget* w) {
-    const char* icon = nullptr;
-    if (name.empty() && GTK_IS_IMAGE(w)) gtk_image_get_icon_name(GTK_IMAGE(w), &icon, nullptr);
-    if (icon) name = icon;
-    return name.empty();
-  });
-  return name;
+// The action area is the only place GTK 3 keeps the buttons in order.
+GtkWidget* ActionArea(GtkDialog* dialog) {
+  G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+  return gtk_dialog_get_action_area(dialog);
+  G_GNUC_END_IGNORE_DEPRECATIONS
 }
 
-// The content box holds the button row after the message.
-std::string WithoutButtons(std::string text, const std::vector<std::string>& buttons) {
-  for (auto button = buttons.rbegin(); button != buttons.rend(); ++button) {
-    const std::string tail = "\n" + *button;
-    if (text.ends_with(tail)) text.resize(text.size() - tail.size());
-  }
-  return text;
-}
-
-// The chooser changes folder asynchronously; an accept that comes before the
-// folder is shown is swallowed by its own checks, so wait for it first.
-struct PendingAccept {
-  GtkDialog* dialog;
-  std::string folder;
-  int polls = 0;
-};
-
-gboolean AcceptWhenFolderShown(gpointer data) {
-  auto* pending = static_cast<PendingAccept*>(data);
-  gchar* current = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(pending->dialog));
-  const bool shown = current && pending->folder == current;
-  g_free(current);
-  if (!shown && ++pending->polls < 250) return G_SOURCE_CONTINUE;
-  gtk_dialog_response(pending->dialog, GTK_RESPONSE_ACCEPT);
-  g_object_unref(pending->dialog);
-  delete pending;
-  return G_SOURCE_REMOVE;
-}
-
-void AcceptOnceFolderIsShown(GtkDialog* dialog, const std::filesystem::path& folder) {
-  g_object_ref(dialog);
-  g_timeout_add(20, AcceptWhenFolderShown, new PendingAccept{dialog, folder.string()});
+// Accepts once the chooser shows folder (an earlier accept is swallowed), or
+// after some 5 s regardless.
+void AcceptWhenFolderShown(GtkDialog* dialog, const std::filesystem::path& folder, int triesLeft = 250) {
+  WhenDialogAppears([dialog, folder, triesLeft](GtkDialog*) {
+    g_autofree gchar* current = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(dialog));
+    if ((current && folder == current) || triesLeft == 0) return gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
+    AcceptWhenFolderShown(dialog, folder, triesLeft - 1);
+  }, GTK_TYPE_FILE_CHOOSER_DIALOG);
 }
 
 }  // namespace
 
-void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type, int timeoutMs, bool* seen) {
-  if (seen) *seen = false;
-  auto* watch = new Watch{std::move(act), type,
-                          std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs), seen};
-  g_timeout_add(20, PollForDialog, watch);
+void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type) {
+  auto* watch = new Watch{std::move(act), type};
+  watch->source = g_timeout_add_full(
+      G_PRIORITY_DEFAULT, 20,
+      [](gpointer data) -> gboolean {
+        auto* watch = static_cast<Watch*>(data);
+        GtkDialog* dialog = FindShownDialog(watch->type);
+        if (dialog) watch->act(dialog);
+        return dialog == nullptr && --watch->pollsLeft > 0;
+      },
+      watch, [](gpointer data) {
+        pending.erase(static_cast<Watch*>(data)->source);
+        delete static_cast<Watch*>(data);
+      });
+  pending.insert(watch->source);
 }
 
-std::vector<std::string> CollectLabelTexts(GtkWidget* widget) {
-  std::vector<std::string> texts;
-  Walk(widget, [&](GtkWidget* w) {
-    if (GTK_IS_LABEL(w)) texts.emplace_back(gtk_label_get_text(GTK_LABEL(w)));
-    return true;
+void ForgetPendingAnswers() {
+  for (guint source : std::set<guint>(pending)) g_source_remove(source);
+}
+
+DialogRecord Describe(GtkDialog* dialog) {
+  DialogRecord record;
+  record.seen = true;
+  record.title = gtk_window_get_title(GTK_WINDOW(dialog)) ?: "";
+  GtkWidget* actions = ActionArea(dialog);
+  Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
+    const char* icon = nullptr;
+    if (GTK_IS_IMAGE(widget) && gtk_image_get_storage_type(GTK_IMAGE(widget)) == GTK_IMAGE_ICON_NAME)
+      gtk_image_get_icon_name(GTK_IMAGE(widget), &icon, nullptr);
+    if (icon && record.iconName.empty()) record.iconName = icon;
+    if (GTK_IS_LABEL(widget))
+      record.message += (record.message.empty() ? "" : "\n") + std::string(gtk_label_get_text(GTK_LABEL(widget)));
+    return widget != actions;
   });
-  return texts;
+  Walk(actions, [&](GtkWidget* widget) {
+    if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)))
+      record.buttons.emplace_back(gtk_button_get_label(GTK_BUTTON(widget)));
+    return !GTK_IS_BUTTON(widget);
+  });
+  return record;
+}
+
+void ClickButton(GtkDialog* dialog, const std::string& label) {
+  Walk(ActionArea(dialog), [&](GtkWidget* widget) {
+    const bool match = GTK_IS_BUTTON(widget) && label == (gtk_button_get_label(GTK_BUTTON(widget)) ?: "");
+    if (match) gtk_button_clicked(GTK_BUTTON(widget));
+    return !match;
+  });
 }
 
 void AnswerNextDialog(int response, DialogRecord* record, GType type) {
-  WhenDialogAppears([response, record](GtkDialog* dialog) {
-    if (record) {
-      record->seen = true;
-      const char* title = gtk_window_get_title(GTK_WINDOW(dialog));
-      record->title = title ? title : "";
-      GtkWidget* content = gtk_dialog_get_content_area(dialog);
-      std::string joined;
-      for (const auto& t : CollectLabelTexts(content)) joined += (joined.empty() ? "" : "\n") + t;
-      record->text = joined;
-      record->iconName = FindIconName(content);
-      record->buttons.clear();
-      // The action area is the only place GTK 3 keeps the buttons in order.
-      G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-      Walk(gtk_dialog_get_action_area(dialog), [record](GtkWidget* w) {
-        const char* label = GTK_IS_BUTTON(w) ? gtk_button_get_label(GTK_BUTTON(w)) : nullptr;
-        if (label) record->buttons.emplace_back(label);
-        return !GTK_IS_BUTTON(w);
-      });
-      G_GNUC_END_IGNORE_DEPRECATIONS
-      record->message = WithoutButtons(record->text, record->buttons);
-    }
-    gtk_dialog_response(dialog, response);
-  }, type);
+  WhenDialogAppears(
+      [response, record](GtkDialog* dialog) {
+        if (record) *record = Describe(dialog);
+        gtk_dialog_response(dialog, response);
+      },
+      type);
 }
 
 void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen, std::string* suggestedName) {
+  if (seen) *seen = false;
   WhenDialogAppears(
-      [path, suggestedName](GtkDialog* dialog) {
+      [path, seen, suggestedName](GtkDialog* dialog) {
         GtkFileChooser* chooser = GTK_FILE_CHOOSER(dialog);
-        if (suggestedName) {
-          gchar* name = gtk_file_chooser_get_current_name(chooser);
-          *suggestedName = name ? name : "";
-          g_free(name);
-        }
-        if (path.empty()) {
-          gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
-          return;
-        }
+        if (seen) *seen = true;
+        g_autofree gchar* name = gtk_file_chooser_get_current_name(chooser);
+        if (suggestedName) *suggestedName = name ? name : "";
+        if (path.empty()) return gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
         gtk_file_chooser_set_current_folder(chooser, path.parent_path().c_str());
         gtk_file_chooser_set_current_name(chooser, path.filename().c_str());
-        AcceptOnceFolderIsShown(dialog, path.parent_path());
+        AcceptWhenFolderShown(dialog, path.parent_path());
       },
-      GTK_TYPE_FILE_CHOOSER_DIALOG, 10000, seen);
+      GTK_TYPE_FILE_CHOOSER_DIALOG);
 }
 
 void DrainEvents() {

@@ -10,32 +10,31 @@
 
 namespace testsupport {
 
-// Runs act once on the first visible dialog of the given type (polled every
-// 20 ms while the code under test spins its nested loop). The poll stops after
-// timeoutMs; *seen (if given) tells whether it fired. The default type
-// matches dialogs other than file choosers.
-void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type = GTK_TYPE_DIALOG,
-                       int timeoutMs = 10000, bool* seen = nullptr);
+// Runs act once on the first shown dialog of the given type, polling every
+// 20 ms for up to 10 s. The default type never matches a file chooser.
+void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type = GTK_TYPE_DIALOG);
+// Drops the answers still waiting, so none leaks into the next case.
+void ForgetPendingAnswers();
 
-// Records what the next message dialog shows, then answers it with response.
+// What a dialog shows.
 struct DialogRecord {
   bool seen = false;
   std::string title;
-  std::string text;                  // all label texts of the content area, joined by "\n"
-  std::vector<std::string> buttons;  // button labels in order
-  std::string message;               // text without the button labels
+  std::string message;               // the content's label texts, joined by "\n"
+  std::vector<std::string> buttons;  // in order
   std::string iconName;
 };
+DialogRecord Describe(GtkDialog* dialog);
+void ClickButton(GtkDialog* dialog, const std::string& label);
+
+// Records the next dialog, then answers it with response.
 void AnswerNextDialog(int response, DialogRecord* record = nullptr, GType type = GTK_TYPE_DIALOG);
 
-// Types path into the next file chooser and accepts it; or cancels when path is empty.
+// Types path into the next file chooser and accepts it, or cancels when path is empty.
 void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen = nullptr,
                              std::string* suggestedName = nullptr);
 
 // Lets the main loop handle everything that is pending.
 void DrainEvents();
-
-// Label texts below a widget, depth first.
-std::vector<std::string> CollectLabelTexts(GtkWidget* widget);
 
 }  // namespace testsupport
