@@ -1,4 +1,5 @@
-// The collect-existing flow through the window's "existing_log" button.
+// The collect-existing flow through the window's "existing_log" button, and
+// what both flows show when there is nothing to archive or tar fails.
 #include "app_root.h"
 #include "support/files.h"
 #include "window_fixture.h"
@@ -14,11 +15,10 @@ TEST_F(WindowTest, SavedArchiveCarriesTheConfigurationAsClientLogAndTheButtonThe
   testsupport::WriteFile(Logs() / "KeywardSvr.latest", "keyward\n");
   testsupport::WriteFile(Logs() / "userActivitylog.1", "older activity\n");
   testsupport::WriteFile(Logs() / "kvlog.3", "sibling\n");
-  const fs::path target = scratch_ / "existing.tar.gz";
-  std::string suggested;
+  const fs::path saved = Home() / "NorvexDeskline-ExistingLogs.tar.gz";  // what the save dialog proposes
   DialogRecord view;
   RunWindow([&](GtkWidget*) {
-    testsupport::SaveAsInNextFileChooser(target, nullptr, &suggested);
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, nullptr, GTK_TYPE_FILE_CHOOSER_DIALOG);
     Click(app_->existingLogButton);
     EXPECT_TRUE(Visible(app_->saveButton) && Visible(app_->lastLogLabel));
     EXPECT_FALSE(Visible(app_->collectExistingText));
@@ -28,37 +28,50 @@ TEST_F(WindowTest, SavedArchiveCarriesTheConfigurationAsClientLogAndTheButtonThe
     AnswerNextDialog(GTK_RESPONSE_ACCEPT, &view);
     Click(app_->saveButton);
   });
-  EXPECT_EQ(suggested, "NorvexDeskline-ExistingLogs.tar.gz");
-  EXPECT_EQ(view.message, "Existing logs are saved at \"" + target.string() + "\".");
-  EXPECT_EQ(ArchiveMembers(target), (std::vector<std::string>{"DesklineCheck.txt", "Envdump.txt", "KeywardSvr.latest",
-                                                               "ORBClient.log", "UserSystemInfo.txt", "kvlog.3",
-                                                               "userActivitylog.1"}));
+  EXPECT_EQ(view.message, "Existing logs are saved at \"" + saved.string() + "\".");
+  EXPECT_EQ(ArchiveMembers(saved), (std::vector<std::string>{"DesklineCheck.txt", "Envdump.txt", "KeywardSvr.latest",
+                                                              "ORBClient.log", "UserSystemInfo.txt", "kvlog.3",
+                                                              "userActivitylog.1"}));
   // The diagnostics step has just copied the configuration onto the issue folder's client log.
-  EXPECT_EQ(ArchiveMember(target, "ORBClient.log"), kKeywardConfigText);
+  EXPECT_EQ(ArchiveMember(saved, "ORBClient.log"), kKeywardConfigText);
 }
 
-TEST_F(WindowTest, NothingToArchiveNamesTheClientLogFileHereButTheFolderWhenARunStops) {
+TEST_F(WindowTest, NothingToArchiveOrAFailingTarIsReportedAndNothingOffered) {
   // Reports that cannot be written: each name leads into a missing folder.
   for (const char* report : {"UserSystemInfo.txt", "Envdump.txt", "DesklineCheck.txt"})
     fs::create_symlink(scratch_ / "missing" / report, Logs() / report);
   fs::remove(root_ / "config/KeywardConfig.xml");
-  DialogRecord existing, stop;
-  RunWindow([&](GtkWidget*) {
-    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &existing);
-    Click(app_->existingLogButton);
+  DialogRecord existing, emptyStop, failedStop, chooser;
+  // A run that ends with nothing gathered, then one whose tar stops half-way.
+  const auto stopRun = [this](DialogRecord* error) {
     app_->ShowCollectingState();
     app_->collecting = 1;
-    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &stop);
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, error);
     Click(app_->startStopButton);
+  };
+  RunWindow([&](GtkWidget*) {
+    AnswerNextDialog(GTK_RESPONSE_CANCEL, &chooser, GTK_TYPE_FILE_CHOOSER_DIALOG);
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &existing);
+    Click(app_->existingLogButton);
+    stopRun(&emptyStop);
+    EXPECT_EQ(app_->collecting, 0);
+    testsupport::WriteFile(Issue() / "kvlog.1", "sibling\n");
+    fs::remove(bin_ / "tar");
+    testsupport::WriteScript(bin_ / "tar", "printf cut > \"$2\"\nexit 2");
+    stopRun(&failedStop);
   });
   const std::string unable = "\".\nUnable to create the tar archive.";
   EXPECT_EQ(existing.message, "No files found at \"" + app_->existingClientLogCopy.string() + unable);
-  EXPECT_EQ(stop.message, "No files found at \"" + app_->issueFolder.string() + unable);
-  EXPECT_EQ(stop.buttons, std::vector<std::string>{"OK"});
+  EXPECT_EQ(emptyStop.message, "No files found at \"" + app_->issueFolder.string() + unable);
+  EXPECT_EQ(failedStop.message, "Failed to save the log file archive. Please try again.");
+  EXPECT_EQ(failedStop.buttons, std::vector<std::string>{"OK"});
+  EXPECT_EQ(failedStop.iconName, "dialog-error");
+  EXPECT_FALSE(chooser.seen);
   EXPECT_FALSE(fs::exists(app_->existingArchive));
   EXPECT_EQ(app_->collecting, 0);
   EXPECT_TRUE(Visible(app_->existingLogButton));
   EXPECT_FALSE(Visible(app_->saveButton));
+  EXPECT_EQ(app_->lastSavedText, "");
 }
 
 }  // namespace

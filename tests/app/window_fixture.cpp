@@ -10,34 +10,22 @@
 #include "support/files.h"
 
 namespace apptest {
-namespace {
 
 // The logging client keeps the first HOME it sees for the life of the
 // process, so all window tests share one; a socket that listens (and never
 // reads) stands in for logd, so that nothing goes to the system log.
-struct SharedHome {
-  testsupport::TempDir folder;
-  int logd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  SharedHome() {
-    setenv("HOME", folder.str().c_str(), 1);
+const std::filesystem::path& WindowTest::Home() {
+  static testsupport::TempDir home;
+  static const int logd = [] {
+    setenv("HOME", home.str().c_str(), 1);
     sockaddr_un address{AF_UNIX, {}};
     std::strncpy(address.sun_path, log_socket_path(), sizeof address.sun_path - 1);
-    bind(logd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    listen(logd, 16);
-  }
-};
-
-gboolean RunBodyThenQuit(gpointer body) {
-  (*static_cast<std::function<void()>*>(body))();
-  gtk_main_quit();
-  return G_SOURCE_REMOVE;
-}
-
-}  // namespace
-
-const std::filesystem::path& WindowTest::Home() {
-  static SharedHome home;
-  return home.folder.path();
+    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    return listen(fd, 16) == 0 ? fd : -1;
+  }();
+  EXPECT_GE(logd, 0) << "no logd stand-in";
+  return home.path();
 }
 
 void WindowTest::SetUp() {
@@ -62,14 +50,16 @@ void WindowTest::TearDown() {
 }
 
 void WindowTest::RunWindow(const std::function<void(GtkWidget* window)>& body) {
-  std::function<void()> inLoop = [this, &body] { body(GTK_WIDGET(gtk_builder_get_object(app_->builder, "logging"))); };
-  g_idle_add(RunBodyThenQuit, &inLoop);
+  std::function<void()> inLoop = [this, &body] {
+    body(GTK_WIDGET(gtk_builder_get_object(app_->builder, "logging")));
+    gtk_main_quit();
+  };
+  g_idle_add([](gpointer run) { return (*static_cast<std::function<void()>*>(run))(), G_SOURCE_REMOVE; }, &inLoop);
   app_->Run();
 }
 
 std::string LabelText(GtkWidget* widget) {
-  if (GTK_IS_BUTTON(widget)) return gtk_button_get_label(GTK_BUTTON(widget));
-  return gtk_label_get_text(GTK_LABEL(widget));
+  return GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : gtk_label_get_text(GTK_LABEL(widget));
 }
 
 }  // namespace apptest

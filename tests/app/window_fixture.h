@@ -18,7 +18,6 @@ class WindowTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
-
   // App::Run with body called from inside the running loop, which is quit after it.
   void RunWindow(const std::function<void(GtkWidget* window)>& body);
 
@@ -27,8 +26,7 @@ class WindowTest : public ::testing::Test {
   std::filesystem::path Issue() const { return Logs() / "issuereproduce"; }
   std::filesystem::path Marker() const { return Home() / ".ORBClient/.kvlogEnabled"; }
 
-  testsupport::TempDir root_;
-  testsupport::TempDir scratch_;
+  testsupport::TempDir root_, scratch_;
   std::filesystem::path bin_ = scratch_ / "bin";
   testsupport::ScopedEnv orbroot_{"ORBROOT", root_.str().c_str()};
   testsupport::ScopedEnv path_{"PATH", bin_.c_str()};

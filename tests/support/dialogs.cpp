@@ -1,18 +1,16 @@
 #include "support/dialogs.h"
 
-#include <set>
-
 namespace testsupport {
 namespace {
+
+int generation = 0;  // watches set up before the last ForgetPendingAnswers stop polling
 
 struct Watch {
   std::function<void(GtkDialog*)> act;
   GType type;
+  int generation = testsupport::generation;
   int pollsLeft = 500;
-  guint source = 0;
 };
-
-std::set<guint> pending;  // sources of the watches still polling
 
 // A file chooser learns its folder asynchronously and ignores an answer given
 // before that, so it only counts as shown once the folder is known.
@@ -21,15 +19,6 @@ bool Shown(GtkWidget* window, GType type) {
   if (!GTK_IS_FILE_CHOOSER(window)) return true;
   g_autofree gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
   return type != GTK_TYPE_DIALOG && folder != nullptr;
-}
-
-GtkDialog* FindShownDialog(GType type) {
-  GList* toplevels = gtk_window_list_toplevels();
-  GtkDialog* found = nullptr;
-  for (GList* item = toplevels; item && !found; item = item->next)
-    if (Shown(GTK_WIDGET(item->data), type)) found = GTK_DIALOG(item->data);
-  g_list_free(toplevels);
-  return found;
 }
 
 // Visits widget and everything below it, depth first; visit returns false
@@ -62,25 +51,23 @@ void AcceptWhenFolderShown(GtkDialog* dialog, const std::filesystem::path& folde
 }  // namespace
 
 void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type) {
-  auto* watch = new Watch{std::move(act), type};
-  watch->source = g_timeout_add_full(
+  g_timeout_add_full(
       G_PRIORITY_DEFAULT, 20,
       [](gpointer data) -> gboolean {
         auto* watch = static_cast<Watch*>(data);
-        GtkDialog* dialog = FindShownDialog(watch->type);
+        if (watch->generation != generation) return G_SOURCE_REMOVE;
+        GList* toplevels = gtk_window_list_toplevels();
+        GtkDialog* dialog = nullptr;
+        for (GList* item = toplevels; item && !dialog; item = item->next)
+          if (Shown(GTK_WIDGET(item->data), watch->type)) dialog = GTK_DIALOG(item->data);
+        g_list_free(toplevels);
         if (dialog) watch->act(dialog);
         return dialog == nullptr && --watch->pollsLeft > 0;
       },
-      watch, [](gpointer data) {
-        pending.erase(static_cast<Watch*>(data)->source);
-        delete static_cast<Watch*>(data);
-      });
-  pending.insert(watch->source);
+      new Watch{std::move(act), type}, [](gpointer data) { delete static_cast<Watch*>(data); });
 }
 
-void ForgetPendingAnswers() {
-  for (guint source : std::set<guint>(pending)) g_source_remove(source);
-}
+void ForgetPendingAnswers() { ++generation; }
 
 DialogRecord Describe(GtkDialog* dialog) {
   DialogRecord record;
@@ -121,17 +108,11 @@ void AnswerNextDialog(int response, DialogRecord* record, GType type) {
       type);
 }
 
-void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen, std::string* suggestedName) {
-  if (seen) *seen = false;
+void SaveAsInNextFileChooser(const std::filesystem::path& path) {
   WhenDialogAppears(
-      [path, seen, suggestedName](GtkDialog* dialog) {
-        GtkFileChooser* chooser = GTK_FILE_CHOOSER(dialog);
-        if (seen) *seen = true;
-        g_autofree gchar* name = gtk_file_chooser_get_current_name(chooser);
-        if (suggestedName) *suggestedName = name ? name : "";
-        if (path.empty()) return gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
-        gtk_file_chooser_set_current_folder(chooser, path.parent_path().c_str());
-        gtk_file_chooser_set_current_name(chooser, path.filename().c_str());
+      [path](GtkDialog* dialog) {
+        gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), path.parent_path().c_str());
+        gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(dialog), path.filename().c_str());
         AcceptWhenFolderShown(dialog, path.parent_path());
       },
       GTK_TYPE_FILE_CHOOSER_DIALOG);

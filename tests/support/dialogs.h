@@ -30,9 +30,8 @@ void ClickButton(GtkDialog* dialog, const std::string& label);
 // Records the next dialog, then answers it with response.
 void AnswerNextDialog(int response, DialogRecord* record = nullptr, GType type = GTK_TYPE_DIALOG);
 
-// Types path into the next file chooser and accepts it, or cancels when path is empty.
-void SaveAsInNextFileChooser(const std::filesystem::path& path, bool* seen = nullptr,
-                             std::string* suggestedName = nullptr);
+// Types path into the next file chooser and accepts it.
+void SaveAsInNextFileChooser(const std::filesystem::path& path);
 
 // Lets the main loop handle everything that is pending.
 void DrainEvents();

@@ -7,32 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <string>
-
 #include "support/temp_dir.h"
 
 namespace {
-
-// Xvfb picks a free display and writes its number once it accepts clients.
-pid_t StartXvfb() {
-  int fds[2];
-  if (pipe(fds) != 0) return -1;
-  const pid_t server = fork();
-  if (server < 0) return -1;
-  if (server == 0) {
-    dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
-    const std::string fd = std::to_string(fds[1]);
-    execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1280x1024x24", "-nolisten", "tcp",
-           static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  close(fds[1]);
-  std::string number;
-  for (char c; read(fds[0], &c, 1) == 1 && c != '\n';) number += c;
-  close(fds[0]);
-  setenv("DISPLAY", (":" + number).c_str(), 1);
-  return number.empty() ? -1 : server;
-}
 
 class XvfbEnvironment : public ::testing::Environment {
  public:
@@ -40,11 +17,22 @@ class XvfbEnvironment : public ::testing::Environment {
     // GLib fixes these at first use; the file chooser's recent files and caches land here.
     for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) setenv(name, dirs_.str().c_str(), 1);
     setenv("GDK_BACKEND", "x11", 1);
-    setenv("NO_AT_BRIDGE", "1", 1);
-    setenv("GSETTINGS_BACKEND", "memory", 1);
-    server_ = StartXvfb();
-    ASSERT_GT(server_, 0) << "Xvfb could not be started";
-    ASSERT_TRUE(gtk_init_check(nullptr, nullptr)) << "GTK could not open the display";
+    int fds[2];
+    ASSERT_EQ(pipe(fds), 0);
+    if ((server_ = fork()) == 0) {
+      dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
+      const std::string fd = std::to_string(fds[1]);
+      execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", nullptr);
+      _exit(127);
+    }
+    // Xvfb picks a free display and writes its number once it accepts clients.
+    close(fds[1]);
+    std::string display = ":";
+    for (char c; read(fds[0], &c, 1) == 1 && c != '\n';) display += c;
+    close(fds[0]);
+    ASSERT_GT(display.size(), 1u) << "Xvfb could not be started";
+    setenv("DISPLAY", display.c_str(), 1);
+    ASSERT_TRUE(gtk_init_check(nullptr, nullptr)) << "GTK could not open " << display;
     g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
   }
   void TearDown() override {
