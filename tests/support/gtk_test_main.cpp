@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,10 +18,16 @@ class XvfbEnvironment : public ::testing::Environment {
     // GLib fixes these at first use; the file chooser's recent files and caches land here.
     for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) setenv(name, dirs_.str().c_str(), 1);
     setenv("GDK_BACKEND", "x11", 1);
+    setenv("NO_AT_BRIDGE", "1", 1);
+    setenv("GSETTINGS_BACKEND", "memory", 1);
     int fds[2];
     ASSERT_EQ(pipe(fds), 0);
     if ((server_ = fork()) == 0) {
-      dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
+      // Also ends with a test process that crashed; holds no pipe of the test runner.
+      prctl(PR_SET_PDEATHSIG, SIGTERM);
+      const int quiet = open("/dev/null", O_WRONLY);
+      dup2(quiet, STDOUT_FILENO);
+      dup2(quiet, STDERR_FILENO);
       const std::string fd = std::to_string(fds[1]);
       execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", nullptr);
       _exit(127);
