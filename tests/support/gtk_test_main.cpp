@@ -40,6 +40,8 @@ class XvfbEnvironment : public ::testing::Environment {
     ASSERT_GT(display.size(), 1u) << "Xvfb could not be started";
     setenv("DISPLAY", display.c_str(), 1);
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr)) << "GTK could not open " << display;
+    // Colours are read as the style gives them, not half-way through a fade.
+    g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
     g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
   }
   void TearDown() override {
