@@ -31,14 +31,12 @@ TEST_F(WindowTest, RunRaisesEveryClassGivesAllClassZerosLevelBackArchivesSavesAn
       EXPECT_STREQ(gtk_widget_get_name(button), gtk_buildable_get_name(GTK_BUILDABLE(button)));
       EXPECT_TRUE(gtk_style_context_has_class(gtk_widget_get_style_context(button), "circular"));
     }
-    // The sheet fills the start button with the theme's accent, which no theme gives a plain button.
+    // The sheet, above the theme, writes the start button in the theme's selection colours.
     GtkStyleContext* style = gtk_widget_get_style_context(app.startStopButton);
-    GdkRGBA* background = nullptr;
-    GdkRGBA accent;
-    gtk_style_context_get(style, gtk_style_context_get_state(style), "background-color", &background, nullptr);
-    EXPECT_TRUE(gtk_style_context_lookup_color(style, "theme_selected_bg_color", &accent) &&
-                gdk_rgba_equal(background, &accent)) << gdk_rgba_to_string(background);
-    gdk_rgba_free(background);
+    GdkRGBA text, selected;
+    gtk_style_context_get_color(style, gtk_style_context_get_state(style), &text);
+    EXPECT_TRUE(gtk_style_context_lookup_color(style, "theme_selected_fg_color", &selected) &&
+                gdk_rgba_equal(&text, &selected)) << gdk_rgba_to_string(&text);
     ExpectVisible({app.saveButton, app.ruler, app.lastLogLabel, app.spinner, app.logCollectionText}, false);
     ExpectVisible({app.startStopButton, app.stopText, app.existingLogButton, app.collectExistingText}, true);
 
