@@ -1,4 +1,4 @@
-// The logd peer's decoder fed any byte stream. Every message it accepts must
+// logd's decoder fed any byte stream. Every message it accepts must
 // account for exactly its bytes and re-encode to them, its description must
 // stay one line, and the stream must decode the same whether it arrives whole
 // or in pieces (as it does from a socket).
@@ -10,7 +10,7 @@
 
 #include "fuzz/check.h"
 #include "logclient/wire_format.h"
-#include "tools/logd_peer/decoder.h"
+#include "tools/logd/decoder.h"
 
 namespace {
 

@@ -60,6 +60,11 @@ enum {
 
 /* Flags bit: put "[<thread name>]: " in front of every record text. */
 #define LOG_FLAG_THREAD_NAME 0x1000u
+/* Flags bits read by logd when it writes a record as a line of the log file
+ * (both set by default): the date in front of the time of day, and the time
+ * to the microsecond. The other bits are carried but read by nobody here. */
+#define LOG_FLAG_LOGD_DATE 0x0001u
+#define LOG_FLAG_LOGD_MICROSECONDS 0x0002u
 
 /* ------------------------------------------------------------------------
  * Shared log configuration area
@@ -101,7 +106,14 @@ LOGCLIENT_API int log_set_shared_path(const char* path);
 /* Points into the mapping itself; NOT necessarily NUL-terminated. */
 LOGCLIENT_API const char* log_get_shared_path(void);
 
-/* Tuning values read by logd: A 1..2000, B 0..100, C 0..2000. */
+/* Tuning values read by logd, each time it needs one:
+ *  A 1..2000, default 200: milliseconds logd may gather received lines
+ *    before it appends them to the log file (it writes sooner when many
+ *    arrive, and always before it follows a new log file path);
+ *  B 0..100, default 2: seconds a stopping logd keeps taking records that
+ *    its clients are still sending (it stops sooner once they fall quiet);
+ *  C 0..2000, default 200: clients logd serves at once, further ones are
+ *    turned away; 0 means no limit. */
 LOGCLIENT_API int log_set_tuning_a(int value);
 LOGCLIENT_API int log_set_tuning_b(int value);
 LOGCLIENT_API int log_set_tuning_c(int value);
@@ -111,6 +123,11 @@ LOGCLIENT_API int log_get_tuning_c(void);
 
 /* ------------------------------------------------------------------------
  * logd link and record writer
+ *
+ * logd appends every record it receives to the log file named in the area
+ * as one line: the record's time, the level's and the class's short names,
+ * the thread id and the text, with control characters escaped, for example
+ *   2026-11-23 14:05:09.123456 VERBOSE LOG_CONNECT 4321 [main]: connected
  * ------------------------------------------------------------------------ */
 
 /* Opens the system log as "norvex-<program>", maps the area and connects to

@@ -1,6 +1,6 @@
-// The logd stream decoder over hand-built bytes, and logd-peer's handling of
-// clients that send garbage.
-#include "tools/logd_peer/decoder.h"
+// The logd stream decoder over hand-built bytes, and logd's handling of
+// clients that send garbage or hang up mid-message.
+#include "tools/logd/decoder.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -10,7 +10,7 @@
 
 #include <string>
 
-#include "logd_peer_process.h"
+#include "logd_process.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -58,29 +58,33 @@ int ConnectTo(const std::string& path) {
   return connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
 }
 
-TEST(LogdPeer, DropsABadClientAndServesTheOthers) {
-  testsupport::TempDir folder;
-  std::string socketPath = (folder / "sock").string();
-  logclient_test::LogdPeerProcess peer(socketPath, folder.path());
-  ASSERT_TRUE(peer.listening());
-  int good = ConnectTo(socketPath), bad = ConnectTo(socketPath);
-  ASSERT_TRUE(good >= 0 && bad >= 0);
-  std::string garbage = U16(4) + U16(9) + "oops";
+TEST(Logd, DropsBadClientsAndServesTheOthers) {
+  testsupport::TempDir home;
+  logclient_test::LogdProcess logd(home.path());
+  ASSERT_TRUE(logd.listening());
+  const std::string socketPath = logclient_test::SocketPathFor(home.str());
+  int good = ConnectTo(socketPath), bad = ConnectTo(socketPath), halfway = ConnectTo(socketPath);
+  ASSERT_TRUE(good >= 0 && bad >= 0 && halfway >= 0);
+  std::string garbage = U16(4) + U16(9) + "oops", half = Record(2, 5, "cut off").substr(0, 12);
   ASSERT_EQ(static_cast<ssize_t>(garbage.size()), write(bad, garbage.data(), garbage.size()));
   char byte;
-  EXPECT_EQ(0, read(bad, &byte, 1)) << "the peer hangs up on the bad client";
+  EXPECT_EQ(0, read(bad, &byte, 1)) << "logd hangs up on the bad client";
+  ASSERT_EQ(12, write(halfway, half.data(), half.size()));
+  close(halfway);
   // A good client's message split over two writes still comes out whole.
-  std::string stream = Hello("norvex-good") + Record(2, 5, "fine");
+  std::string stream = Hello("norvex-good") + Record(2, 5, "fine\nand well");
   ASSERT_EQ(7, write(good, stream.data(), 7));
   ASSERT_EQ(static_cast<ssize_t>(stream.size() - 7), write(good, stream.data() + 7, stream.size() - 7));
-  auto lines = peer.WaitForLines(2);
+  auto lines = logd.WaitForLines(1);
   close(good);
   close(bad);
-  ASSERT_EQ(2u, lines.size());
-  EXPECT_EQ("hello norvex-good client=0", lines[0]);
-  EXPECT_NE(std::string::npos, peer.Errors().find("unknown message type 9"));
+  ASSERT_EQ(1u, lines.size());
+  EXPECT_NE(std::string::npos, lines[0].find(" INFO LOG_CONNECT 4321 fine\\nand well")) << lines[0];
+  EXPECT_EQ(std::vector<std::string>{"hello norvex-good client=0"}, logd.WaitForHellos(1));
+  EXPECT_NE(std::string::npos, logd.Errors().find("unknown message type 9"));
+  EXPECT_NE(std::string::npos, logd.Errors().find("hung up in the middle of a message")) << logd.Errors();
 
-  int status = peer.Stop();
+  int status = logd.Stop();
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
   EXPECT_FALSE(std::filesystem::exists(socketPath)) << "the socket is removed on SIGTERM";
 }

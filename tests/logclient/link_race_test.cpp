@@ -19,7 +19,7 @@
 #include "fake_syslog.h"
 #include "forked.h"
 #include "logclient/logclient.h"
-#include "logd_peer_process.h"
+#include "logd_process.h"
 #include "support/temp_dir.h"
 
 namespace {

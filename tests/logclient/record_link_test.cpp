@@ -1,5 +1,5 @@
 // The logd link and record writer, observed from the receiving end: raw
-// bytes on a socket of the test's own, and lines printed by logd-peer.
+// bytes on a socket of the test's own, and the lines logd writes.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/prctl.h>
@@ -17,36 +17,22 @@
 #include "fake_syslog.h"
 #include "forked.h"
 #include "logclient/logclient.h"
-#include "logd_peer_process.h"
+#include "logd_process.h"
 #include "support/files.h"
 #include "support/temp_dir.h"
 
 namespace {
 
-using logclient_test::LogdPeerProcess;
+using logclient_test::LogdProcess;
+using logclient_test::LogLine;
+using logclient_test::ParseLogLine;
 using logclient_test::SocketPathFor;
 using testsupport::TempDir;
 
-struct RecordLine {
-  int level = -1, logClass = -1;
-  long tid = -1;
-  std::string text;
-};
-
-RecordLine ParseRecord(const std::string& line) {
-  RecordLine record;
-  int textStart = -1;
-  sscanf(line.c_str(), "record level=%d class=%d tid=%ld time=%*d.%*6u text=%n", &record.level,
-         &record.logClass, &record.tid, &textStart);
-  if (textStart > 0) record.text = line.substr(static_cast<size_t>(textStart));
-  return record;
-}
-
-// The texts of all records after the hello, once at least count records arrived.
-std::vector<std::string> RecordTexts(const LogdPeerProcess& peer, size_t count) {
+// The texts of all record lines, once at least count of them were written.
+std::vector<std::string> RecordTexts(const LogdProcess& logd, size_t count) {
   std::vector<std::string> texts;
-  auto lines = peer.WaitForLines(count + 1);
-  for (size_t i = 1; i < lines.size(); ++i) texts.push_back(ParseRecord(lines[i]).text);
+  for (const std::string& line : logd.WaitForLines(count)) texts.push_back(ParseLogLine(line).text);
   return texts;
 }
 
@@ -97,8 +83,8 @@ TEST_F(RecordLink, HelloAndRecordBytesOnTheWire) {
 }
 
 TEST_F(RecordLink, LevelFilterFollowsTheClassLevels) {
-  LogdPeerProcess peer(socketPath, home.path());
-  ASSERT_TRUE(peer.listening());
+  LogdProcess logd(home.path());
+  ASSERT_TRUE(logd.listening());
   EXPECT_FORKED_PASS(home.str(), [] {
     ASSERT_EQ(1, log_client_init());
     log_clear_flags(LOG_FLAG_THREAD_NAME);
@@ -119,9 +105,9 @@ TEST_F(RecordLink, LevelFilterFollowsTheClassLevels) {
   });
   std::vector<std::string> expected = {"L4", "L5", "L6", "end", "L6", "end", "L6", "end",
                                        "U1", "U2", "U3", "U4", "U5", "end"};
-  EXPECT_EQ(expected, RecordTexts(peer, expected.size())) << peer.Errors();
-  auto lines = peer.WaitForLines(0);
-  EXPECT_EQ(0, ParseRecord(lines[lines.size() - 2]).logClass) << "unclassed records carry class 0";
+  EXPECT_EQ(expected, RecordTexts(logd, expected.size())) << logd.Errors();
+  auto lines = logd.WaitForLines(0);
+  EXPECT_EQ("ALL", ParseLogLine(lines[lines.size() - 2]).logClass) << "unclassed records carry class 0";
 }
 
 // Logs the message in the writer, or formats it with printf into expected.
@@ -145,8 +131,8 @@ void FormatCases(std::vector<std::string>* expected) {
 
 // The writer formats common conversions itself and must agree with printf.
 TEST_F(RecordLink, TextsAreFormattedAsPrintfWouldWithTheThreadNameAndCut) {
-  LogdPeerProcess peer(socketPath, home.path());
-  ASSERT_TRUE(peer.listening());
+  LogdProcess logd(home.path());
+  ASSERT_TRUE(logd.listening());
   std::string longText(9000, 'x'), filler(8189, 'x');
   std::vector<std::string> expected = {"[worker-7]: named line", "[worker-7]: " + longText.substr(0, 8179)};
   FormatCases(&expected);
@@ -163,32 +149,32 @@ TEST_F(RecordLink, TextsAreFormattedAsPrintfWouldWithTheThreadNameAndCut) {
     log_write_class(3, LOG_LEVEL_AOL, "test", "prefix", 0, "bare\nline");
     log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, "%s%d", filler.c_str(), 12345);
   });
-  EXPECT_EQ(expected, RecordTexts(peer, expected.size())) << peer.Errors();
+  EXPECT_EQ(expected, RecordTexts(logd, expected.size())) << logd.Errors();
 }
 
-TEST_F(RecordLink, LinkStaysDownAfterThePeerGoes) {
+TEST_F(RecordLink, LinkStaysDownAfterLogdGoes) {
   EXPECT_FORKED_PASS(home.str(), [&] {
     signal(SIGPIPE, SIG_IGN);  // the writer must tolerate SIGPIPE itself
-    LogdPeerProcess first(socketPath, home.path() / "first");
+    LogdProcess first(home.path(), "first");
     ASSERT_TRUE(first.listening());
     log_socket_path();  // the mode probe leaves a socket of its own open
     int socketsBefore = logclient_test::OpenSocketCount();
     ASSERT_EQ(1, log_client_init());
     EXPECT_EQ(socketsBefore + 1, logclient_test::OpenSocketCount());
     log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "before");
-    ASSERT_EQ(2u, first.WaitForLines(2).size());
+    ASSERT_EQ(1u, first.WaitForLines(1).size());
     first.Stop();
     log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "lost");
     EXPECT_EQ(socketsBefore, logclient_test::OpenSocketCount()) << "the socket is closed";
 
-    LogdPeerProcess second(socketPath, home.path() / "second");
+    LogdProcess second(home.path(), "second");
     ASSERT_TRUE(second.listening());
     auto& calls = logclient_test::SystemLogCalls();
     calls.clear();
     log_write_class(0, LOG_LEVEL_AOL, "test", "down", 0, "later");
     EXPECT_EQ(1, log_client_init());
     second.Stop();
-    EXPECT_EQ("", testsupport::ReadFile(home.path() / "second/peer.out")) << "no reconnection";
+    EXPECT_TRUE(second.WaitForHellos(0).empty()) << "no reconnection";
     EXPECT_EQ(std::vector<std::string>({"syslog 6 later", "syslog 3 Failed to connect with logd."}), calls);
   });
 }
@@ -228,8 +214,8 @@ TEST(SystemLog, TakesMessagesWhileLogdIsAwayUnlessTheAreaWasOpenedFirst) {
 TEST(RecordFromTestProcess, TestProcessItsForkedChildAndAnotherProgram) {
   TempDir home;
   testsupport::ScopedEnv scopedHome("HOME", home.str().c_str());
-  LogdPeerProcess peer(SocketPathFor(home.str()), home.path());
-  ASSERT_TRUE(peer.listening());
+  LogdProcess logd(home.path());
+  ASSERT_TRUE(logd.listening());
   ASSERT_EQ(1, log_client_init());
   log_write_class(7, LOG_LEVEL_FATAL, "test", "self", 0, "from the test process");
   std::string childTidFile = (home / "tid").string();
@@ -237,22 +223,27 @@ TEST(RecordFromTestProcess, TestProcessItsForkedChildAndAnotherProgram) {
     log_write_class(7, LOG_LEVEL_FATAL, "test", "child", 0, "from a forked child");
     testsupport::WriteFile(childTidFile, std::to_string(gettid()));
   });
-  ASSERT_EQ(3u, peer.WaitForLines(3).size()) << peer.Errors();
+  ASSERT_EQ(2u, logd.WaitForLines(2).size()) << logd.Errors();
   std::filesystem::path longName = home / "probe_with_a_rather_long_program_name";
   std::filesystem::create_symlink(LOGCLIENT_PROBE_PATH, longName);
   testsupport::RunAndCapture(longName.string() + " write from-probe");
-  auto lines = peer.WaitForLines(5);
+  auto lines = logd.WaitForLines(3);
   log_client_shutdown();
-  ASSERT_EQ(5u, lines.size()) << peer.Errors();
-  EXPECT_EQ("hello norvex-logclient_tests client=0", lines[0]);
-  RecordLine own = ParseRecord(lines[1]), child = ParseRecord(lines[2]), probe = ParseRecord(lines[4]);
+  ASSERT_EQ(3u, lines.size()) << logd.Errors();
+  EXPECT_EQ(logd.WaitForHellos(2), (std::vector<std::string>{"hello norvex-logclient_tests client=0",
+                                                             "hello norvex-probe_with_a_rather_long client=0"}));
+  LogLine own = ParseLogLine(lines[0]), child = ParseLogLine(lines[1]), probe = ParseLogLine(lines[2]);
+  char today[16];
+  const time_t now = time(nullptr);
+  strftime(today, sizeof today, "%Y-%m-%d", localtime(&now));
+  EXPECT_EQ(today, own.date) << lines[0];
+  EXPECT_EQ(15u, own.time.size()) << "time of day to the microsecond: " << lines[0];
   EXPECT_EQ(static_cast<uint16_t>(gettid()), own.tid);
   EXPECT_EQ(static_cast<uint16_t>(std::stol(testsupport::ReadFile(childTidFile))), child.tid);
-  EXPECT_EQ(7, child.logClass);
-  EXPECT_EQ(LOG_LEVEL_FATAL, child.level);
+  EXPECT_EQ("LOG_PROTOCOL", child.logClass);
+  EXPECT_EQ("FATAL", child.level);
   EXPECT_EQ("[logclient_tests]: from a forked child", child.text);
-  EXPECT_EQ("hello norvex-probe_with_a_rather_long client=0", lines[3]);
-  EXPECT_EQ(LOG_LEVEL_AOL, probe.level);
+  EXPECT_EQ("AOL", probe.level);
   EXPECT_EQ("[probe_with_a_ra]: from-probe", probe.text);
 }
 

@@ -39,8 +39,11 @@ struct Decoded {
 
 Decoded DecodeMessage(const unsigned char* data, size_t size);
 
-// The peer's output line for a decoded hello or record, without the newline.
-// Control characters in texts are escaped so that each message stays one line.
+// A one-line description of a decoded hello or record, without the newline.
 std::string DescribeMessage(const Decoded& message);
+
+// Control characters escaped (a newline as backslash and n, a backslash
+// doubled, other control bytes as \xHH), so that a text stays on one line.
+std::string EscapedText(const std::string& text);
 
 }  // namespace logd

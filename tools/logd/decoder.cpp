@@ -1,4 +1,4 @@
-#include "tools/logd_peer/decoder.h"
+#include "tools/logd/decoder.h"
 
 #include <cstdio>
 #include <cstring>
@@ -69,7 +69,9 @@ Decoded DecodeRecord(const unsigned char* body, size_t bodyLength) {
   return result;
 }
 
-std::string Escaped(const std::string& text) {
+}  // namespace
+
+std::string EscapedText(const std::string& text) {
   std::string out;
   out.reserve(text.size());
   for (unsigned char c : text) {
@@ -88,8 +90,6 @@ std::string Escaped(const std::string& text) {
   return out;
 }
 
-}  // namespace
-
 Decoded DecodeMessage(const unsigned char* data, size_t size) {
   if (data == nullptr || size < kHeaderSize) return {};
   size_t bodyLength = GetU16(data);
@@ -105,14 +105,14 @@ Decoded DecodeMessage(const unsigned char* data, size_t size) {
 
 std::string DescribeMessage(const Decoded& message) {
   if (message.status == DecodeStatus::kHello)
-    return "hello " + Escaped(message.hello.identity) +
+    return "hello " + EscapedText(message.hello.identity) +
            " client=" + std::to_string(message.hello.client);
   if (message.status != DecodeStatus::kRecord) return {};
   const RecordMessage& r = message.record;
   char head[128];
   snprintf(head, sizeof head, "record level=%u class=%u tid=%u time=%u.%06u text=",
            unsigned{r.level}, unsigned{r.logClass}, unsigned{r.threadId}, r.seconds, r.micros);
-  return head + Escaped(r.text);
+  return head + EscapedText(r.text);
 }
 
 }  // namespace logd
