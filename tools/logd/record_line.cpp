@@ -8,15 +8,31 @@
 namespace logd {
 namespace {
 
+// The local time down to the second, kept for the next record: records come
+// in bursts from the same second, and the time zone lookup is the costly part.
+const std::string& SecondsText(uint32_t seconds, bool withDate) {
+  static uint32_t lastSeconds = 0;
+  static bool lastWithDate = false;
+  static std::string last;
+  if (last.empty() || seconds != lastSeconds || withDate != lastWithDate) {
+    const time_t when = static_cast<time_t>(seconds);
+    struct tm local {};
+    localtime_r(&when, &local);
+    char text[32];
+    last.assign(text, strftime(text, sizeof text, withDate ? "%Y-%m-%d %H:%M:%S" : "%H:%M:%S", &local));
+    lastSeconds = seconds;
+    lastWithDate = withDate;
+  }
+  return last;
+}
+
 std::string TimeText(const RecordMessage& record, uint32_t flags) {
-  const time_t seconds = static_cast<time_t>(record.seconds);
-  struct tm local {};
-  localtime_r(&seconds, &local);
-  char text[64];
-  size_t length = strftime(text, sizeof text, (flags & LOG_FLAG_LOGD_DATE) ? "%Y-%m-%d %H:%M:%S" : "%H:%M:%S",
-                           &local);
-  if (flags & LOG_FLAG_LOGD_MICROSECONDS)
-    snprintf(text + length, sizeof text - length, ".%06u", record.micros % 1000000u);
+  std::string text = SecondsText(record.seconds, flags & LOG_FLAG_LOGD_DATE);
+  if (flags & LOG_FLAG_LOGD_MICROSECONDS) {
+    char micros[16];
+    snprintf(micros, sizeof micros, ".%06u", record.micros % 1000000u);
+    text += micros;
+  }
   return text;
 }
 
