@@ -62,12 +62,15 @@ TEST(Logd, DropsBadClientsAndServesTheOthers) {
   testsupport::TempDir home;
   logclient_test::LogdProcess logd(home.path());
   ASSERT_TRUE(logd.listening());
+  logclient_test::WriteAreaBytes(home.path(), 508, U32(3));  // at most three clients at once
   const std::string socketPath = logclient_test::SocketPathFor(home.str());
   int good = ConnectTo(socketPath), bad = ConnectTo(socketPath), halfway = ConnectTo(socketPath);
-  ASSERT_TRUE(good >= 0 && bad >= 0 && halfway >= 0);
+  int tooMany = ConnectTo(socketPath);
+  ASSERT_TRUE(good >= 0 && bad >= 0 && halfway >= 0 && tooMany >= 0);
   std::string garbage = U16(4) + U16(9) + "oops", half = Record(2, 5, "cut off").substr(0, 12);
-  ASSERT_EQ(static_cast<ssize_t>(garbage.size()), write(bad, garbage.data(), garbage.size()));
   char byte;
+  EXPECT_EQ(0, read(tooMany, &byte, 1)) << "logd turns the fourth client away";
+  ASSERT_EQ(static_cast<ssize_t>(garbage.size()), write(bad, garbage.data(), garbage.size()));
   EXPECT_EQ(0, read(bad, &byte, 1)) << "logd hangs up on the bad client";
   ASSERT_EQ(12, write(halfway, half.data(), half.size()));
   close(halfway);
@@ -76,8 +79,7 @@ TEST(Logd, DropsBadClientsAndServesTheOthers) {
   ASSERT_EQ(7, write(good, stream.data(), 7));
   ASSERT_EQ(static_cast<ssize_t>(stream.size() - 7), write(good, stream.data() + 7, stream.size() - 7));
   auto lines = logd.WaitForLines(1);
-  close(good);
-  close(bad);
+  for (int fd : {good, bad, tooMany}) close(fd);
   ASSERT_EQ(1u, lines.size());
   EXPECT_NE(std::string::npos, lines[0].find(" INFO LOG_CONNECT 4321 fine\\nand well")) << lines[0];
   EXPECT_EQ(std::vector<std::string>{"hello norvex-good client=0"}, logd.WaitForHellos(1));

@@ -1,7 +1,6 @@
 // Threads of two processes writing through the library into one logd, while
 // the log file path changes under them: logd's files must hold every record
 // once, whole, in each writer's order.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
@@ -45,15 +44,6 @@ const std::string kLongTail(8000, 'x');
   _exit(0);
 }
 
-// Points the shared area at another log file, as the utility does for a run.
-void SetLogPath(const fs::path& home, const std::string& path) {
-  std::string field(256, '\0');
-  path.copy(field.data(), field.size());
-  int fd = open((home / ".ORBClient/.nvxndclogconf").c_str(), O_WRONLY);
-  ASSERT_EQ(256, pwrite(fd, field.data(), field.size(), 244));
-  close(fd);
-}
-
 // Checks one line and advances its writer's next expected record number.
 void TakeLine(const std::string& line, std::map<std::string, int>& next) {
   const logclient_test::LogLine parsed = logclient_test::ParseLogLine(line);
@@ -79,7 +69,9 @@ TEST(LogdLoad, EveryRecordOfEightThreadsInTwoProcessesArrivesWholeOnceAcrossAPat
 
   constexpr size_t kTotal = 2 * kThreads * kRecords;
   logd.WaitForLines(kTotal / 4, first);
-  SetLogPath(home.path(), second.string());
+  // As the utility points the client's log into the issue folder.
+  std::string pathField = second.string();
+  logclient_test::WriteAreaBytes(home.path(), 244, pathField.append(256 - pathField.size(), '\0'));
   for (pid_t writer : writers) {
     int status = -1;
     waitpid(writer, &status, 0);

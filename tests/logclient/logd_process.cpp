@@ -80,6 +80,13 @@ std::vector<std::string> LogdProcess::WaitForLines(size_t count, const std::file
 
 std::string LogdProcess::Errors() const { return testsupport::ReadFile(err_); }
 
+void WriteAreaBytes(const std::filesystem::path& home, off_t offset, const std::string& bytes) {
+  int fd = open((home / ".ORBClient/.nvxndclogconf").c_str(), O_WRONLY);
+  if (fd < 0 || pwrite(fd, bytes.data(), bytes.size(), offset) != static_cast<ssize_t>(bytes.size()))
+    perror("WriteAreaBytes");
+  if (fd >= 0) close(fd);
+}
+
 LogLine ParseLogLine(const std::string& line) {
   LogLine parsed;
   char date[16] = "", time[32] = "", level[16] = "", logClass[32] = "";
