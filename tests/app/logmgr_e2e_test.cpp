@@ -81,7 +81,7 @@ class LogmgrTest : public ::testing::Test {
 TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem) {
   logclient_test::LogdProcess logd(home_.path());
   ASSERT_TRUE(logd.listening());
-  Start(DEMO_CLIENT_PATH, "40");
+  const pid_t demoClient = Start(DEMO_CLIENT_PATH, "40");
   const pid_t logmgr = Start();
   const Window window = xdrive::WaitForWindow(display_, kTitle, kWaitMs);
   ASSERT_NE(window, 0u);
@@ -113,6 +113,7 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
   EXPECT_EQ(DemoLines(now, " VERBOSE "), DemoLines(afterStop, " VERBOSE ")) << "VERBOSE lines after the stop";
   xdrive::RequestClose(display_, window);
   EXPECT_EQ(WaitForExit(logmgr, kWaitMs), 0);
+  WaitForExit(demoClient, 0);  // ended first, or a stopping logd waits for it to fall quiet
 }
 
 TEST_F(LogmgrTest, ClosingDuringARunExitsAndLeavesTheLevelsRaised) {
