@@ -37,3 +37,9 @@ fuzz: deps
 # The one benchmark report: every row a ratio against its floor.
 bench: deps
 	bench/run
+
+# Applies each deliberate fault of tests/faults/ to a scratch copy and checks
+# that some test fails; slow, so not run by CI.
+.PHONY: fault-check
+fault-check: deps
+	tools/fault-check
