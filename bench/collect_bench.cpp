@@ -13,6 +13,7 @@
 
 #include "app/app.h"
 #include "pairs.h"
+#include "tests/support/fake_root.h"
 
 extern char** environ;
 
@@ -70,10 +71,7 @@ void PrepareData() {
   d.archive = d.top / "out.tar.gz";
   fs::create_directories(d.home);
   // Enough of a client install for the install-root search to stop here.
-  for (const char* name : {"KeywardDaemon", "SvcLedger", "PrimaryKeyward", "util/shelfscan"}) {
-    fs::create_directories((d.root / name).parent_path());
-    std::ofstream(d.root / name) << "";
-  }
+  testsupport::MakeFakeInstallRoot(d.root);
   setenv("HOME", d.home.c_str(), 1);
   setenv("ORBROOT", d.root.c_str(), 1);
   MakeListingFolder(d.listing);

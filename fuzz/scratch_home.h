@@ -10,6 +10,8 @@
 #include <iterator>
 #include <string>
 
+#include "tests/support/fake_root.h"
+
 namespace fuzzsupport {
 
 class ScratchHome {
@@ -32,10 +34,7 @@ class ScratchHome {
 
   // A root that passes the install-root test, named by ORBROOT.
   void MakeInstallRoot() {
-    for (const char* name : {"KeywardDaemon", "SvcLedger", "PrimaryKeyward", "util/shelfscan"}) {
-      std::filesystem::create_directories((root_ / name).parent_path());
-      std::ofstream(root_ / name) << "";
-    }
+    testsupport::MakeFakeInstallRoot(root_);
     setenv("ORBROOT", root_.c_str(), 1);
   }
 

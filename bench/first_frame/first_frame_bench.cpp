@@ -16,6 +16,8 @@
 
 #include "pairs.h"
 
+#include "tests/support/fake_root.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -34,10 +36,7 @@ long long MonotonicNs() {
 // A client install root that logmgr accepts, with the window description,
 // style sheet and images of the source tree.
 void MakeInstallRoot(const fs::path& root) {
-  for (const char* name : {"KeywardDaemon", "SvcLedger", "PrimaryKeyward", "util/shelfscan"}) {
-    fs::create_directories((root / name).parent_path());
-    std::ofstream(root / name) << "";
-  }
+  testsupport::MakeFakeInstallRoot(root);
   fs::create_directory_symlink(fs::path(NORVEX_SOURCE_DIR) / "gtk", root / "gtk");
   fs::create_directory_symlink(fs::path(NORVEX_SOURCE_DIR) / "icons", root / "icons");
 }

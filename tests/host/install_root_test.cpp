@@ -1,66 +1,52 @@
+// Which client installation the utility works with, and its version file.
 #include "host/install_root.h"
 
 #include <gtest/gtest.h>
 
+#include "host/client_version.h"
 #include "support/fake_root.h"
 #include "support/files.h"
 #include "support/temp_dir.h"
 
 namespace fs = std::filesystem;
-using testsupport::MakeFakeInstallRoot;
 using testsupport::ScopedEnv;
-using testsupport::TempDir;
 
-TEST(InstallRootCheck, NeedsAllFourNamesAndFollowsLinks) {
-  TempDir dir;
-  EXPECT_FALSE(IsValidInstallRoot(""));
-  for (const char* missing : {"KeywardDaemon", "SvcLedger", "PrimaryKeyward", "util/shelfscan"}) {
-    fs::path root = dir / missing;
-    MakeFakeInstallRoot(root);
-    EXPECT_TRUE(IsValidInstallRoot(root.string()));
-    fs::remove(root / missing);
-    fs::create_symlink(dir / "gone", root / missing);
-    EXPECT_FALSE(IsValidInstallRoot(root.string())) << "dangling " << missing;
-  }
+// The program's own folder is a candidate, so the probe runs from a copy there.
+std::string RootSeenFrom(const fs::path& folder) {
+  fs::create_directories(folder);
+  fs::copy_file(HOST_PROBE_PATH, folder / "probe", fs::copy_options::overwrite_existing);
+  return testsupport::RunAndCapture((folder / "probe").string() + " 2>&1");
 }
 
-// The program's own folder is a candidate, so each case copies the probe
-// into a folder and runs it from there; the answer is its whole output.
-class InstallRootSearch : public ::testing::Test {
- protected:
-  std::string RunFrom(const fs::path& folder) {
-    fs::create_directories(folder);
-    fs::copy_file(HOST_PROBE_PATH, folder / "host_probe", fs::copy_options::overwrite_existing);
-    return testsupport::RunAndCapture((folder / "host_probe").string() + " root 2>&1");
-  }
-  TempDir dir;
-  ScopedEnv home{"HOME", dir.str().c_str()};
-  ScopedEnv orbRoot{"ORBROOT", nullptr};
-  fs::path homeRoot = dir / "ORBClient" / PlatformFolderName();
-};
-
-TEST_F(InstallRootSearch, NoCandidatePrintsOneLinePerCall) {
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(FindInstallRoot(), "");
-  EXPECT_EQ(FindInstallRoot(), "");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
-}
-
-TEST_F(InstallRootSearch, OrbRootFirstThenProgramFolder) {
-  MakeFakeInstallRoot(dir / "installed");
-  MakeFakeInstallRoot(dir / "fromEnv");
-  ScopedEnv env("ORBROOT", (dir / "fromEnv").c_str());
-  EXPECT_EQ(RunFrom(dir / "installed"), (dir / "fromEnv").string() + "\n");
+TEST(InstallRoot, OrbRootThenTheProgramFolderOrItsUtilParentThenTheHomeInstallation) {
+  if (IsValidInstallRoot("/opt/Norvex/ORBClient")) GTEST_SKIP() << "a client is installed on this machine";
+  testsupport::TempDir dir;
+  ScopedEnv home("HOME", dir.c_str()), orbRoot("ORBROOT", (dir / "fromEnv").c_str());
+  const fs::path homeRoot = dir / "ORBClient" / PlatformFolderName();
+  for (const fs::path& root : {dir / "installed", dir / "fromEnv", homeRoot}) testsupport::MakeFakeInstallRoot(root);
+  EXPECT_EQ(RootSeenFrom(dir / "installed"), (dir / "fromEnv").string() + "\n");
   fs::remove(dir / "fromEnv/util/shelfscan");
-  EXPECT_EQ(RunFrom(dir / "installed"), (dir / "installed").string() + "\n");
+  EXPECT_EQ(RootSeenFrom(dir / "installed"), (dir / "installed").string() + "\n");
+  EXPECT_EQ(RootSeenFrom(dir / "installed/util"), (dir / "installed").string() + "\n");
+  for (const char* folder : {"installed/xutil", "notaroot/util"})
+    EXPECT_EQ(RootSeenFrom(dir / folder), homeRoot.string() + "\n") << folder;
+  // A marker must resolve: a dangling link does not.
+  fs::remove(homeRoot / "SvcLedger");
+  fs::create_symlink(dir / "gone", homeRoot / "SvcLedger");
+  EXPECT_EQ(RootSeenFrom(dir / "notaroot"), "No valid ORBROOT directory found\n\n");
 }
 
-TEST_F(InstallRootSearch, OnlyAFolderNamedUtilIsSteppedOverAndOnlyToAValidParent) {
-  MakeFakeInstallRoot(dir / "installed");
-  EXPECT_EQ(RunFrom(dir / "installed/util"), (dir / "installed").string() + "\n");
-  EXPECT_EQ(RunFrom(dir / "notaroot/util"), "No valid ORBROOT directory found\n\n");
-  MakeFakeInstallRoot(homeRoot);
-  for (const char* folder : {"installed/utils", "installed/xutil", "notaroot/util"})
-    EXPECT_EQ(RunFrom(dir / folder), homeRoot.string() + "\n") << folder;
+TEST(ClientVersion, FourDottedNumbersAfterTheFirstEqualsSignOfTheFirstLineOnly) {
+  testsupport::TempDir root;
+  testsupport::MakeFakeInstallRoot(root.path());
+  ScopedEnv orbRoot("ORBROOT", root.c_str());
+  const std::string digits(300, '4');
+  for (auto [content, version] : {std::pair<std::string, std::string>{"VERSION=23.9.0.1\nX=1\n", "23.9.0.1"},
+                                  {"V=1.2.3." + digits, "1.2.3." + digits.substr(0, 255 - 8)}, {"23.9.0.1\n", ""},
+                                  {"V=23.9.0\n", ""}, {"V=23.9.0.1 \n", ""}, {"V=23.9.0.1\r\n", ""},
+                                  {"A=B=1.2.3.4\n", ""}, {"N=x\nV=1.2.3.4\n", ""}}) {
+    testsupport::WriteFile(root / ("pkginf/Ver.core." + PlatformFolderName()), content);
+    EXPECT_EQ(ToNarrowString(GetClientVersion()), version) << content;
+  }
+  EXPECT_EQ(BuildClientIdentity().rfind("NorvexBeacon Linux/", 0), 0u);
 }

@@ -17,9 +17,9 @@
 #include <vector>
 
 #include "fake_syslog.h"
-#include "forked.h"
 #include "logclient/logclient.h"
 #include "logd_process.h"
+#include "support/forked.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -43,7 +43,8 @@ int ListenAt(const std::string& path, bool holdConnects) {
 TEST(LinkRace, RacingInitsConnectOnceAndRecordsCarryTheCurrentThreadName) {
   testsupport::TempDir home;
   std::filesystem::create_directories(home / ".ORBClient");
-  EXPECT_FORKED_PASS(home.str(), [&] {
+  EXPECT_EQ(0, testsupport::RunForked([&] {
+    setenv("HOME", home.c_str(), 1);
     // The first caller's connect waits for us while the others arrive.
     const int listener = ListenAt(SocketPathFor(home.str()), true);
     std::vector<std::thread> callers;
@@ -66,7 +67,7 @@ TEST(LinkRace, RacingInitsConnectOnceAndRecordsCarryTheCurrentThreadName) {
     const size_t first = bytes.find("[before]: first");
     EXPECT_NE(std::string::npos, first);
     EXPECT_NE(std::string::npos, bytes.find("[after]: second", first));
-  });
+  }));
 }
 
 // Opens and fills files from the moment the link fails, as a busy program
@@ -95,7 +96,8 @@ void OpenFilesWhenTheLinkFails(const std::atomic<bool>& peerGone, const std::ato
 TEST(LinkRace, RecordsNeverReachAFileOpenedWhileTheLinkFailsUnderWriters) {
   testsupport::TempDir home;
   std::filesystem::create_directories(home / ".ORBClient");
-  EXPECT_FORKED_PASS(home.str(), [&] {
+  EXPECT_EQ(0, testsupport::RunForked([&] {
+    setenv("HOME", home.c_str(), 1);
     signal(SIGPIPE, SIG_IGN);  // the writer must tolerate SIGPIPE itself
     for (int round = 0; round < 60 && !testing::Test::HasFailure(); ++round) {
       const int listener = ListenAt(SocketPathFor(home.str()), false);
@@ -121,7 +123,7 @@ TEST(LinkRace, RecordsNeverReachAFileOpenedWhileTheLinkFailsUnderWriters) {
       log_client_shutdown();
       logclient_test::SystemLogCalls().clear();
     }
-  });
+  }));
 }
 
 }  // namespace

@@ -1,10 +1,21 @@
 #pragma once
 // A client install root that passes the install-root test: the four client
-// executables, nothing else. Tests add the files they need on top.
+// executables, nothing else; callers add what they need. Plain C++ only, so
+// that fuzz targets and benchmarks build it too.
 #include <filesystem>
+#include <fstream>
 
 namespace testsupport {
 
-void MakeFakeInstallRoot(const std::filesystem::path& root);
+inline constexpr const char* kInstallRootMarkers[] = {"KeywardDaemon", "SvcLedger", "PrimaryKeyward",
+                                                      "util/shelfscan"};
+
+inline void MakeFakeInstallRoot(const std::filesystem::path& root) {
+  for (const char* name : kInstallRootMarkers) {
+    std::filesystem::create_directories((root / name).parent_path());
+    std::ofstream(root / name) << "#!/bin/sh\nexit 0\n";
+    std::filesystem::permissions(root / name, std::filesystem::perms(0755));
+  }
+}
 
 }  // namespace testsupport

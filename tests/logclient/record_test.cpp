@@ -1,0 +1,98 @@
+// What the library sends to logd, read as raw bytes from a socket of the
+// test's own, and what it gives the system log.
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <climits>
+#include <cstring>
+
+#include "fake_syslog.h"
+#include "logclient/logclient.h"
+#include "support/files.h"
+#include "support/forked.h"
+#include "support/temp_dir.h"
+
+using Message = std::pair<uint16_t, std::string>;  // type, body
+
+// What a child running body sends to a logd listening at the per-user path.
+std::vector<Message> SentToLogd(const std::function<void()>& body) {
+  testsupport::TempDir home;
+  std::filesystem::create_directories(home / ".ORBClient");
+  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  sockaddr_un address{AF_UNIX, {}};
+  (home.str() + "//.ORBClient/.nvxndclogsocket").copy(address.sun_path, sizeof address.sun_path - 1);
+  EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  listen(listener, 1);
+  EXPECT_EQ(testsupport::RunForked([&] { setenv("HOME", home.c_str(), 1), body(); }), 0);
+  const int connection = accept(listener, nullptr, nullptr);
+  std::string bytes(1 << 16, '\0');
+  bytes.resize(std::max<ssize_t>(recv(connection, bytes.data(), bytes.size(), MSG_WAITALL), 0));
+  close(connection), close(listener);
+  std::vector<Message> messages;
+  for (size_t at = 0; at + 4 <= bytes.size(); at += 4 + messages.back().second.size()) {
+    uint16_t header[2];  // body length, type
+    memcpy(header, &bytes[at], 4);
+    messages.emplace_back(header[1], bytes.substr(at + 4, header[0]));
+  }
+  return messages;
+}
+
+// The writer formats the common conversions itself and must agree with printf.
+#define FORMAT_CASES(WRITE)                                                                                   \
+  WRITE("%d %i %u %ld %lld %lu %zu %zd", -42, INT_MIN, 4000000000u, LONG_MIN, LLONG_MIN, ULONG_MAX, size_t{7}, \
+        ssize_t{-5});                                                                                         \
+  WRITE("%x %X %lx %s %c 100%% %5d|%-4s|%.2f", 0xbeefu, 0xbeefu, 0xdeadbeeful, "word", 'k', 42, "ab", 2.5)
+
+TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
+  const uint32_t before = static_cast<uint32_t>(time(nullptr));
+  const std::vector<Message> messages = SentToLogd([] {
+    program_invocation_short_name = const_cast<char*>("a_program_name_longer_than_the_field");
+    prctl(PR_SET_NAME, "worker-7");
+    log_client_init();
+    log_write_class(12, LOG_LEVEL_FATAL, "test", "layout", 1, "tid %d", gettid());
+    log_clear_flags(LOG_FLAG_THREAD_NAME);
+    log_write_class(3, LOG_LEVEL_AOL, "test", "cut", 0, "%s", std::string(9000, 'x').c_str());
+#define WRITE(...) log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, __VA_ARGS__)
+    FORMAT_CASES(WRITE);
+    for (int own : {LOG_LEVEL_ERROR, LOG_LEVEL_NONE}) {
+      log_set_class_level(12, own);
+      for (int level = 0; level <= 7; ++level) log_write_class(12, level, "test", "filter", 0, "%d:%d", own, level);
+    }
+    for (int level = 0; level <= 7; ++level) log_write(level, "test", "unclassed", 0, "u%d", level);
+    log_write_class(0, LOG_LEVEL_AOL, "test", nullptr, 0, "no origin");
+  });
+  std::vector<std::string> texts = {"[worker-7]: tid ", std::string(8191, 'x')};
+  char text[256];
+#define EXPECT_TEXT(...) texts.push_back((snprintf(text, sizeof text, __VA_ARGS__), text))
+  FORMAT_CASES(EXPECT_TEXT);
+  for (const char* passing : {"4:4", "4:5", "4:6", "7:6", "u1", "u2", "u3", "u4", "u5"}) texts.push_back(passing);
+  ASSERT_EQ(messages.size(), texts.size() + 1);
+  EXPECT_EQ(messages[0], Message(2, std::string(2, '\0') + "norvex-a_program_name_longer_th" + '\0'));
+  const std::string& first = messages[1].second;
+  EXPECT_EQ(first.substr(0, 4), std::string("\5\0\14\0", 4)) << "level 5, class 12";
+  uint16_t tid;
+  uint32_t seconds, micros;
+  memcpy(&tid, &first[4], 2), memcpy(&seconds, &first[6], 4), memcpy(&micros, &first[10], 4);
+  EXPECT_TRUE(seconds >= before && seconds <= time(nullptr) && micros < 1000000u);
+  texts[0] += std::to_string(tid);  // the child's id, small enough for 16 bits
+  for (size_t i = 0; i < texts.size(); ++i)
+    EXPECT_EQ(messages[i + 1], Message(1, messages[i + 1].second.substr(0, 14) + texts[i] + '\0'));
+  EXPECT_EQ(messages.back().second.substr(2, 2), std::string(2, '\0')) << "unclassed records carry class 0";
+}
+
+TEST(SystemLog, WithoutAreaOrLogdTakesTheUnclassedAndTheAlwaysOnMessages) {
+  testsupport::TempDir home;
+  testsupport::WriteFile(home / "file", "");
+  EXPECT_EQ(testsupport::RunForked([&] {
+              setenv("HOME", (home / "file").c_str(), 1);  // no client folder can be made below a file
+              EXPECT_EQ(log_client_init(), 1);
+              EXPECT_EQ(log_set_class_level(5, 1), 0);
+              for (int level = 1; level <= 6; ++level) log_write_class(5, level, "test", "c", 0, "c%d", level);
+              for (int level = 1; level <= 6; ++level) log_write(level, "test", "u", 0, "u%d", level);
+              EXPECT_EQ(logclient_test::SystemLogCalls(), (std::vector<std::string>{"3 Failed to connect with logd.", "6 c6", "6 u1", "5 u2",
+                                                               "4 u3", "3 u4", "1 u5"}));
+            }),
+            0);
+}
