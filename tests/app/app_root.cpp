@@ -1,26 +1,13 @@
 #include "app_root.h"
 
 #include <algorithm>
-#include <cstring>
 #include <sstream>
 
+#include "logclient/logclient.h"
 #include "support/fake_root.h"
 #include "support/files.h"
 
 namespace apptest {
-namespace {
-
-constexpr size_t kLevelsOffset = 4;
-constexpr size_t kPathOffset = 244;
-constexpr size_t kPathSize = 256;
-
-std::string ReadArea(const std::filesystem::path& home) {
-  std::string area = testsupport::ReadFile(LogAreaFile(home));
-  area.resize(kAreaSize, '\0');
-  return area;
-}
-
-}  // namespace
 
 void MakeWindowInstallRoot(const std::filesystem::path& root) {
   testsupport::MakeFakeInstallRoot(root);
@@ -34,24 +21,9 @@ void MakeWindowInstallRoot(const std::filesystem::path& root) {
   testsupport::WriteScript(root / "util/desklinecheck.sh", "echo \"client check: all services answer\"");
 }
 
-std::filesystem::path LogAreaFile(const std::filesystem::path& home) {
-  return home.string() + "//.ORBClient/.nvxndclogconf";
-}
-
-int ReadClassLevel(const std::filesystem::path& home, int logClass) {
-  int32_t level = 0;
-  std::memcpy(&level, ReadArea(home).data() + kLevelsOffset + 4 * logClass, 4);
-  return level;
-}
-
-std::string ReadLogPath(const std::filesystem::path& home) {
-  const std::string field = ReadArea(home).substr(kPathOffset, kPathSize);
-  return field.substr(0, field.find('\0'));
-}
-
-bool AllClassesAt(const std::filesystem::path& home, int level) {
+bool AllClassesAt(int level) {
   for (int logClass = 0; logClass < 60; ++logClass)
-    if (ReadClassLevel(home, logClass) != level) return false;
+    if (log_get_class_level(logClass) != level) return false;
   return true;
 }
 

@@ -1,5 +1,6 @@
 // The collect-existing flow through the window's "existing_log" button, and
-// what both flows show when there is nothing to archive or tar fails.
+// what both flows show when a folder cannot be made, there is nothing to
+// archive or tar fails.
 #include "app_root.h"
 #include "support/files.h"
 #include "window_fixture.h"
@@ -36,12 +37,12 @@ TEST_F(WindowTest, SavedArchiveCarriesTheConfigurationAsClientLogAndTheButtonThe
   EXPECT_EQ(ArchiveMember(saved, "ORBClient.log"), kKeywardConfigText);
 }
 
-TEST_F(WindowTest, NothingToArchiveOrAFailingTarIsReportedAndNothingOffered) {
+TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {
   // Reports that cannot be written: each name leads into a missing folder.
   for (const char* report : {"UserSystemInfo.txt", "Envdump.txt", "DesklineCheck.txt"})
     fs::create_symlink(scratch_ / "missing" / report, Logs() / report);
   fs::remove(root_ / "config/KeywardConfig.xml");
-  DialogRecord existing, emptyStop, failedStop, chooser;
+  DialogRecord existing, emptyStop, failedStop, chooser, noFolder;
   // A run that ends with nothing gathered, then one whose tar stops half-way.
   const auto stopRun = [this](DialogRecord* error) {
     app_->ShowCollectingState();
@@ -59,6 +60,15 @@ TEST_F(WindowTest, NothingToArchiveOrAFailingTarIsReportedAndNothingOffered) {
     fs::remove(bin_ / "tar");
     testsupport::WriteScript(bin_ / "tar", "printf cut > \"$2\"\nexit 2");
     stopRun(&failedStop);
+    EXPECT_EQ(app_->collecting, 0);
+    EXPECT_TRUE(Visible(app_->existingLogButton));
+    EXPECT_FALSE(Visible(app_->saveButton));
+    // No issue folder can be made where a file holds the logs folder's name.
+    fs::remove_all(Logs());
+    testsupport::WriteFile(Logs(), "a file where the log folder should be");
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &noFolder);
+    Click(app_->startStopButton);
+    EXPECT_EQ(app_->collecting, 0);
   });
   const std::string unable = "\".\nUnable to create the tar archive.";
   EXPECT_EQ(existing.message, "No files found at \"" + app_->existingClientLogCopy.string() + unable);
@@ -66,11 +76,10 @@ TEST_F(WindowTest, NothingToArchiveOrAFailingTarIsReportedAndNothingOffered) {
   EXPECT_EQ(failedStop.message, "Failed to save the log file archive. Please try again.");
   EXPECT_EQ(failedStop.buttons, std::vector<std::string>{"OK"});
   EXPECT_EQ(failedStop.iconName, "dialog-error");
+  EXPECT_EQ(noFolder.message, "Failed to create the log file folder at \"" + app_->issueFolder.string() +
+                                  "\".\nPlease check the folder permisions and try again.");
   EXPECT_FALSE(chooser.seen);
   EXPECT_FALSE(fs::exists(app_->existingArchive));
-  EXPECT_EQ(app_->collecting, 0);
-  EXPECT_TRUE(Visible(app_->existingLogButton));
-  EXPECT_FALSE(Visible(app_->saveButton));
   EXPECT_EQ(app_->lastSavedText, "");
 }
 

@@ -51,8 +51,9 @@ void WindowTest::TearDown() {
 
 void WindowTest::RunWindow(const std::function<void(GtkWidget* window)>& body) {
   std::function<void()> inLoop = [this, &body] {
-    body(GTK_WIDGET(gtk_builder_get_object(app_->builder, "logging")));
-    gtk_main_quit();
+    GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(app_->builder, "logging"));
+    body(window);
+    gtk_window_close(GTK_WINDOW(window));
   };
   g_idle_add([](gpointer run) { return (*static_cast<std::function<void()>*>(run))(), G_SOURCE_REMOVE; }, &inLoop);
   app_->Run();

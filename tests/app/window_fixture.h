@@ -18,7 +18,8 @@ class WindowTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
-  // App::Run with body called from inside the running loop, which is quit after it.
+  // App::Run with body called from inside the running loop; then the window
+  // is closed as a user closes it, which must end the loop.
   void RunWindow(const std::function<void(GtkWidget* window)>& body);
 
   static const std::filesystem::path& Home();
