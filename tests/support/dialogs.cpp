@@ -38,16 +38,6 @@ GtkWidget* ActionArea(GtkDialog* dialog) {
   G_GNUC_END_IGNORE_DEPRECATIONS
 }
 
-// Accepts once the chooser shows folder (an earlier accept is swallowed), or
-// after some 5 s regardless.
-void AcceptWhenFolderShown(GtkDialog* dialog, const std::filesystem::path& folder, int triesLeft = 250) {
-  WhenDialogAppears([dialog, folder, triesLeft](GtkDialog*) {
-    g_autofree gchar* current = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(dialog));
-    if ((current && folder == current) || triesLeft == 0) return gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
-    AcceptWhenFolderShown(dialog, folder, triesLeft - 1);
-  }, GTK_TYPE_FILE_CHOOSER_DIALOG);
-}
-
 }  // namespace
 
 void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type) {
@@ -106,20 +96,6 @@ void AnswerNextDialog(int response, DialogRecord* record, GType type) {
         gtk_dialog_response(dialog, response);
       },
       type);
-}
-
-void SaveAsInNextFileChooser(const std::filesystem::path& path) {
-  WhenDialogAppears(
-      [path](GtkDialog* dialog) {
-        gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), path.parent_path().c_str());
-        gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(dialog), path.filename().c_str());
-        AcceptWhenFolderShown(dialog, path.parent_path());
-      },
-      GTK_TYPE_FILE_CHOOSER_DIALOG);
-}
-
-void DrainEvents() {
-  while (gtk_events_pending()) gtk_main_iteration_do(FALSE);
 }
 
 }  // namespace testsupport

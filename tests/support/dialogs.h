@@ -3,7 +3,6 @@
 // a main-loop timeout finds the dialog among the toplevels and acts on it.
 #include <gtk/gtk.h>
 
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -29,11 +28,5 @@ void ClickButton(GtkDialog* dialog, const std::string& label);
 
 // Records the next dialog, then answers it with response.
 void AnswerNextDialog(int response, DialogRecord* record = nullptr, GType type = GTK_TYPE_DIALOG);
-
-// Types path into the next file chooser and accepts it.
-void SaveAsInNextFileChooser(const std::filesystem::path& path);
-
-// Lets the main loop handle everything that is pending.
-void DrainEvents();
 
 }  // namespace testsupport
