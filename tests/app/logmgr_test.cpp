@@ -12,11 +12,11 @@
 #include <sstream>
 #include <thread>
 
-#include "app_root.h"
 #include "logclient/logclient.h"
 #include "logclient/logd_process.h"
 #include "support/files.h"
 #include "support/temp_dir.h"
+#include "window_fixture.h"
 #include "x_drive.h"
 
 namespace apptest {

@@ -1,18 +1,31 @@
 #pragma once
-// Runs the real main window in-process against a temporary install root, a
-// PATH of the tools the flows use (no opener), and the test process's HOME.
+// The real main window run in-process against a temporary install root, a
+// PATH of the tools the flows use (no opener), and the test process's HOME;
+// and what it shares with the tests that run logmgr itself.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "app/app.h"
 #include "support/dialogs.h"
 #include "support/temp_dir.h"
 
 namespace apptest {
+
+// The fake client parts, the window description and images of the source
+// tree, a configuration file and diagnostics tools that succeed quickly.
+void MakeWindowInstallRoot(const std::filesystem::path& root);
+inline constexpr const char* kKeywardConfigText = "<KeywardConfig server=\"support-lab\"/>\n";
+// Whether every class of the shared area (as mapped by this process) is at level.
+bool AllClassesAt(int level);
+// Member names of a .tar.gz, sorted, and the content of one member.
+std::vector<std::string> ArchiveMembers(const std::filesystem::path& archive);
+std::string ArchiveMember(const std::filesystem::path& archive, const std::string& name);
 
 class WindowTest : public ::testing::Test {
  protected:

@@ -1,0 +1,216 @@
+// The real window in-process: as it first shows, the issue-reproduction run
+// and the collect-existing flow through its buttons with the state each step
+// paints, what both flows show when something fails, and its language.
+#include <clocale>
+
+#include "app/i18n.h"
+#include "logclient/logclient.h"
+#include "support/files.h"
+#include "window_fixture.h"
+
+namespace apptest {
+namespace {
+
+namespace fs = std::filesystem;
+using testsupport::AnswerNextDialog;
+using testsupport::DialogRecord;
+using testsupport::WriteFile;
+
+void ExpectVisible(std::initializer_list<GtkWidget*> widgets, bool visible) {
+  for (GtkWidget* widget : widgets) EXPECT_EQ(Visible(widget), visible) << gtk_buildable_get_name(GTK_BUILDABLE(widget));
+}
+
+TEST_F(WindowTest, RunRaisesAndGivesBackLevelsAsksBeforeOverwritingSavesAndSurvivesAClose) {
+  const std::string clientLog = (Logs() / "ORBClient.log").string();
+  log_client_init();
+  ASSERT_TRUE(log_set_class_level(0, 3) && log_set_class_level(7, 6) && log_set_shared_path(clientLog.c_str()));
+  WriteFile(Logs() / "KeywardSvr.latest", "keyward before the run\n");
+  const fs::path saved = Home() / "NorvexDeskline-IssueLogs.tar.gz";  // what the save dialog proposes
+  DialogRecord question;
+  App& app = *app_;
+  RunWindow([&](GtkWidget* window) {
+    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(window)), "Norvex Log Collection Utility");
+    EXPECT_EQ(gdk_pixbuf_get_width(gtk_window_get_icon(GTK_WINDOW(window))), 64);
+    EXPECT_EQ(gtk_image_get_storage_type(GTK_IMAGE(app.spinner)), GTK_IMAGE_ANIMATION);
+    // The sheet, above the theme, writes the start button in the theme's selection colours.
+    GtkStyleContext* style = gtk_widget_get_style_context(app.startStopButton);
+    GdkRGBA text, selected;
+    gtk_style_context_get_color(style, gtk_style_context_get_state(style), &text);
+    EXPECT_TRUE(gtk_style_context_lookup_color(style, "theme_selected_fg_color", &selected) &&
+                gdk_rgba_equal(&text, &selected)) << gdk_rgba_to_string(&text);
+    ExpectVisible({app.saveButton, app.ruler, app.lastLogLabel, app.spinner, app.logCollectionText}, false);
+    ExpectVisible({app.startStopButton, app.stopText, app.existingLogButton, app.collectExistingText}, true);
+
+    Click(app.startStopButton);
+    ASSERT_EQ(app.collecting, 1);
+    EXPECT_TRUE(AllClassesAt(1));
+    EXPECT_EQ(log_get_shared_path(), (Issue() / "ORBClient.log").string());
+    EXPECT_TRUE(fs::exists(Marker()));
+    ExpectVisible({app.spinner, app.logCollectionText}, true);
+    ExpectVisible({app.lastLogLabel, app.ruler, app.saveButton, app.existingLogButton, app.collectExistingText}, false);
+    EXPECT_EQ(LabelText(app.startStopButton), "Stop collecting logs");
+    EXPECT_EQ(LabelText(app.stopText), "Click \"Stop collecting logs\" after the issue is reproduced.");
+    // What the client writes while the user reproduces the issue.
+    WriteFile(Issue() / "ORBClient.log", "verbose client lines\n");
+    WriteFile(Logs() / "userActivitylog.latest", "clicked connect\n");
+    WriteFile(Logs() / "kvlog.latest", "sibling lines\n");
+
+    Click(app.startStopButton);
+    EXPECT_EQ(app.collecting, 2);
+    EXPECT_TRUE(AllClassesAt(3)) << "class 7 had 6, and must get class 0's 3 like all others";
+    EXPECT_EQ(log_get_shared_path(), clientLog);
+    EXPECT_FALSE(fs::exists(Marker()));
+    // Kept as it always was: after a good run the other action stays hidden.
+    ExpectVisible({app.saveButton, app.ruler, app.lastLogLabel}, true);
+    ExpectVisible({app.spinner, app.logCollectionText, app.existingLogButton, app.collectExistingText}, false);
+    EXPECT_EQ(LabelText(app.startStopButton), "Start collecting logs");
+    EXPECT_EQ(LabelText(app.stopText), "Click \"Save logs\" to save the logs to the desired location.");
+    const std::string lastSaved = LabelText(app.lastLogLabel);
+    EXPECT_TRUE(lastSaved.starts_with("Last saved log:  ") && lastSaved[17] != ' ') << lastSaved;
+
+    // Logs of the last run are staged: any answer but "Continue" (closing the
+    // question counts too) leaves the run unstarted and the levels where they are.
+    for (const bool byClose : {false, true}) {
+      testsupport::WhenDialogAppears([&](GtkDialog* dialog) {
+        question = testsupport::Describe(dialog);
+        byClose ? gtk_window_close(GTK_WINDOW(dialog)) : testsupport::ClickButton(dialog, "Close");
+      });
+      Click(app.startStopButton);
+      EXPECT_EQ(app.collecting, 2);
+      EXPECT_EQ(LabelText(app.startStopButton), "Start collecting logs");
+      EXPECT_TRUE(AllClassesAt(3));
+      EXPECT_TRUE(fs::exists(Marker()));
+    }
+
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, nullptr, GTK_TYPE_FILE_CHOOSER_DIALOG);
+    Click(app.saveButton);
+    EXPECT_EQ(LabelText(app.saveButton), "View saved logs");
+    // The save removed the staged logs, so the next run starts without asking.
+    Click(app.startStopButton);
+    EXPECT_EQ(app.collecting, 1);
+    EXPECT_EQ(LabelText(app.saveButton), "Save logs");
+  });
+  // Closed during the second run: nothing is restored.
+  EXPECT_TRUE(AllClassesAt(1));
+  EXPECT_EQ(log_get_shared_path(), (Issue() / "ORBClient.log").string());
+  EXPECT_TRUE(fs::exists(Marker()));
+  EXPECT_EQ(question.title, "Norvex Log Collection Utility");
+  EXPECT_EQ(question.message, "Are you sure you want to continue? Your recent logs will be overwritten.");
+  EXPECT_EQ(question.buttons, (std::vector<std::string>{"Continue", "Close"}));
+  EXPECT_EQ(question.iconName, "dialog-warning");
+  EXPECT_EQ(app.savedLogsLocation, saved);
+  EXPECT_EQ(ArchiveMembers(saved), (std::vector<std::string>{"DesklineCheck.txt", "Envdump.txt", "KeywardConfig.xml",
+                                                              "KeywardSvr.latest", "ORBClient.log", "UserSystemInfo.txt",
+                                                              "kvlog.latest", "userActivitylog.latest"}));
+  EXPECT_EQ(ArchiveMember(saved, "ORBClient.log"), "verbose client lines\n");
+}
+
+TEST_F(WindowTest, SavedArchiveCarriesTheConfigurationAsClientLogAndTheButtonThenViews) {
+  WriteFile(Logs() / "KeywardSvr.latest", "keyward\n");
+  WriteFile(Logs() / "userActivitylog.1", "older activity\n");
+  WriteFile(Logs() / "kvlog.3", "sibling\n");
+  const fs::path saved = Home() / "NorvexDeskline-ExistingLogs.tar.gz";  // what the save dialog proposes
+  DialogRecord view;
+  RunWindow([&](GtkWidget*) {
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, nullptr, GTK_TYPE_FILE_CHOOSER_DIALOG);
+    Click(app_->existingLogButton);
+    EXPECT_TRUE(Visible(app_->saveButton) && Visible(app_->lastLogLabel));
+    EXPECT_FALSE(Visible(app_->collectExistingText));
+    EXPECT_EQ(LabelText(app_->saveButton), "View saved logs");
+    EXPECT_EQ(LabelText(app_->stopText), "Click \"View saved logs\" to view the recently saved logs.");
+    // No opener on PATH: the button says where the file is.
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &view);
+    Click(app_->saveButton);
+  });
+  EXPECT_EQ(view.message, "Existing logs are saved at \"" + saved.string() + "\".");
+  EXPECT_EQ(ArchiveMembers(saved), (std::vector<std::string>{"DesklineCheck.txt", "Envdump.txt", "KeywardSvr.latest",
+                                                              "ORBClient.log", "UserSystemInfo.txt", "kvlog.3",
+                                                              "userActivitylog.1"}));
+  // The diagnostics step has just copied the configuration onto the issue folder's client log.
+  EXPECT_EQ(ArchiveMember(saved, "ORBClient.log"), kKeywardConfigText);
+}
+
+TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {
+  // Reports that cannot be written: each name leads into a missing folder.
+  for (const char* report : {"UserSystemInfo.txt", "Envdump.txt", "DesklineCheck.txt"})
+    fs::create_symlink(scratch_ / "missing" / report, Logs() / report);
+  fs::remove(root_ / "config/KeywardConfig.xml");
+  DialogRecord existing, emptyStop, failedStop, chooser, noFolder;
+  // A run that ends with nothing gathered, then one whose tar stops half-way.
+  const auto stopRun = [this](DialogRecord* error) {
+    app_->ShowCollectingState();
+    app_->collecting = 1;
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, error);
+    Click(app_->startStopButton);
+  };
+  RunWindow([&](GtkWidget*) {
+    AnswerNextDialog(GTK_RESPONSE_CANCEL, &chooser, GTK_TYPE_FILE_CHOOSER_DIALOG);
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &existing);
+    Click(app_->existingLogButton);
+    stopRun(&emptyStop);
+    EXPECT_EQ(app_->collecting, 0);
+    WriteFile(Issue() / "kvlog.1", "sibling\n");
+    fs::remove(bin_ / "tar");
+    testsupport::WriteScript(bin_ / "tar", "printf cut > \"$2\"\nexit 2");
+    stopRun(&failedStop);
+    EXPECT_EQ(app_->collecting, 0);
+    EXPECT_TRUE(Visible(app_->existingLogButton));
+    EXPECT_FALSE(Visible(app_->saveButton));
+    // No issue folder can be made where a file holds the logs folder's name.
+    fs::remove_all(Logs());
+    WriteFile(Logs(), "a file where the log folder should be");
+    AnswerNextDialog(GTK_RESPONSE_ACCEPT, &noFolder);
+    Click(app_->startStopButton);
+    EXPECT_EQ(app_->collecting, 0);
+  });
+  const std::string unable = "\".\nUnable to create the tar archive.";
+  EXPECT_EQ(existing.message, "No files found at \"" + app_->existingClientLogCopy.string() + unable);
+  EXPECT_EQ(emptyStop.message, "No files found at \"" + app_->issueFolder.string() + unable);
+  EXPECT_EQ(failedStop.message, "Failed to save the log file archive. Please try again.");
+  EXPECT_EQ(failedStop.buttons, std::vector<std::string>{"OK"});
+  EXPECT_EQ(failedStop.iconName, "dialog-error");
+  EXPECT_EQ(noFolder.message, "Failed to create the log file folder at \"" + app_->issueFolder.string() +
+                                  "\".\nPlease check the folder permisions and try again.");
+  EXPECT_FALSE(chooser.seen);
+  EXPECT_FALSE(fs::exists(app_->existingArchive));
+  EXPECT_EQ(app_->lastSavedText, "");
+}
+
+// With the catalogues below the root, German; without them, the built-in wording.
+class WindowLanguageTest : public WindowTest, public ::testing::WithParamInterface<bool> {};
+
+TEST_P(WindowLanguageTest, WindowAndDialogsSpeakTheRootsCatalogue) {
+  if (GetParam()) fs::create_directory_symlink(NORVEX_BINARY_DIR "/nls", root_ / "nls");
+  testsupport::ScopedEnv language("LANGUAGE", "de"), locale("LC_ALL", "C.UTF-8");
+  const std::string formerLocale = setlocale(LC_ALL, nullptr);
+  BindMessageCatalogue(app_->installRoot.string());
+  // The catalogue as the gettext tool reads it, apart from the program's binding.
+  const auto expected = [&](const std::string& text) {
+    if (!GetParam()) return text;
+    return testsupport::RunAndCapture("TEXTDOMAINDIR=" + root_.str() + "/nls /usr/bin/gettext appshelf '" + text + "'");
+  };
+  const std::string title = "Norvex Log Collection Utility";
+  DialogRecord question, chooser;
+  RunWindow([&](GtkWidget* window) {
+    EXPECT_EQ(gtk_window_get_title(GTK_WINDOW(window)), expected(title));
+    EXPECT_EQ(LabelText(app_->startStopButton), expected("Start collecting logs"));
+    app_->ShowCollectingState();
+    EXPECT_EQ(LabelText(app_->stopText), expected("Click \"Stop collecting logs\" after the issue is reproduced."));
+    AnswerNextDialog(GTK_RESPONSE_REJECT, &question);
+    app_->AskToContinue(window, "?");
+    AnswerNextDialog(GTK_RESPONSE_CANCEL, &chooser, GTK_TYPE_FILE_CHOOSER_DIALOG);
+    app_->SaveArchiveDialog(app_->issueArchive, "x.tar.gz", window);
+  });
+  setlocale(LC_ALL, formerLocale.c_str());
+  ASSERT_NE(expected(title) == title, GetParam()) << "no German title in the catalogue";
+  EXPECT_EQ(question.title, expected(title));
+  EXPECT_EQ(question.buttons, (std::vector<std::string>{expected("Continue"), expected("Close")}));
+  EXPECT_EQ(chooser.title, expected("Save File"));
+  EXPECT_EQ(chooser.buttons, (std::vector<std::string>{expected("Cancel"), expected("Save")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Catalogue, WindowLanguageTest, ::testing::Bool(),
+                         [](const auto& info) { return info.param ? "German" : "Missing"; });
+
+}  // namespace
+}  // namespace apptest
