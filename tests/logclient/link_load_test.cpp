@@ -1,0 +1,228 @@
+// The logd link under the threads of real client programs: callers racing
+// into init, a link that fails under writers in flight, and threads of two
+// processes writing into the real logd beside clients it must drop.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <thread>
+#include <vector>
+
+#include "logclient/logclient.h"
+#include "logd_process.h"
+#include "support/forked.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using logclient_test::SocketPathFor;
+
+// The listening end of the link, as logd makes it. With holdConnects one
+// connection of our own fills the backlog: the next connect waits until we accept.
+int ListenAt(const std::string& path, bool holdConnects) {
+  sockaddr_un address{AF_UNIX, {}};
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  const auto* raw = reinterpret_cast<const sockaddr*>(&address);
+  const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  unlink(path.c_str());
+  bind(listener, raw, sizeof address);
+  listen(listener, 0);
+  if (holdConnects) connect(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), raw, sizeof address);
+  return listener;
+}
+
+int ConnectTo(const std::string& path) {
+  sockaddr_un address{AF_UNIX, {}};
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  return connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
+}
+
+// Runs body in a child with HOME at a fresh folder holding the client folder.
+void InChildWithClientHome(const std::function<void(const std::string& home)>& body) {
+  testsupport::TempDir home;
+  fs::create_directories(home / ".ORBClient");
+  EXPECT_EQ(0, testsupport::RunForked([&] { setenv("HOME", home.c_str(), 1), body(home.str()); }));
+}
+
+TEST(LinkRace, RacingInitsConnectOnce) {
+  InChildWithClientHome([](const std::string& home) {
+    // The first caller's connect waits for us while the others arrive.
+    const int listener = ListenAt(SocketPathFor(home), true);
+    std::vector<std::thread> callers;
+    for (int i = 0; i < 4; ++i) callers.emplace_back([] { EXPECT_EQ(1, log_client_init()); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    close(accept(listener, nullptr, nullptr));  // our own
+    close(accept(listener, nullptr, nullptr));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    fcntl(listener, F_SETFL, O_NONBLOCK);
+    EXPECT_LT(accept(listener, nullptr, nullptr), 0) << "the library connected more than once";
+    close(listener);  // a caller still connecting gives up
+    for (std::thread& caller : callers) caller.join();
+  });
+}
+
+// Opens and fills files from the moment the link fails, as a busy program
+// takes every number that comes free; each must hold only its own bytes.
+void OpenFilesWhenTheLinkFails(const std::atomic<bool>& peerGone, const std::atomic<bool>& stop) {
+  while (!peerGone) {
+  }
+  std::deque<std::pair<int, std::string>> files;
+  for (int n = 0; !stop || !files.empty(); ++n) {
+    if (!stop) {
+      std::string own = "own bytes of file " + std::to_string(n) + "\n";
+      const int fd = memfd_create("own", MFD_CLOEXEC);
+      ASSERT_EQ(static_cast<ssize_t>(own.size()), write(fd, own.data(), own.size()));
+      files.emplace_back(fd, std::move(own));
+    }
+    if (stop || files.size() > 64) {
+      std::string content(128, '\0');
+      content.resize(std::max<ssize_t>(0, pread(files.front().first, content.data(), content.size(), 0)));
+      EXPECT_EQ(files.front().second, content) << "a record landed in a file";
+      close(files.front().first);
+      files.pop_front();
+    }
+  }
+}
+
+TEST(LinkRace, RecordsNeverReachAFileOpenedWhileTheLinkFailsUnderWriters) {
+  InChildWithClientHome([](const std::string& home) {
+    signal(SIGPIPE, SIG_IGN);  // the writer must tolerate SIGPIPE itself
+    for (int round = 0; round < 60 && !testing::Test::HasFailure(); ++round) {
+      const int listener = ListenAt(SocketPathFor(home), false);
+      ASSERT_EQ(1, log_client_init());
+      const int peer = accept(listener, nullptr, nullptr);
+      close(listener);
+      std::atomic<bool> peerGone{false}, stop{false};
+      std::vector<std::thread> threads;
+      for (int w = 0; w < 4; ++w)
+        threads.emplace_back([&] {
+          // Huge doubles take the C library a while, with the number held.
+          while (!stop) log_write_class(0, LOG_LEVEL_AOL, "test", "race", 0, "%.1f %.1f", 1e308, -1e308);
+        });
+      threads.emplace_back([&] { OpenFilesWhenTheLinkFails(peerGone, stop); });
+      static char sink[1 << 16];
+      for (int chunk = 0; chunk < 20 && read(peer, sink, sizeof sink) > 0; ++chunk) {
+      }
+      close(peer);  // as a killed logd would: the writers' next writes fail
+      peerGone = true;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      stop = true;
+      for (std::thread& thread : threads) thread.join();
+      log_client_shutdown();
+    }
+  });
+}
+
+constexpr int kThreads = 4;
+constexpr int kRecords = 5000;
+constexpr int kLongEvery = 97;  // every so many records one near the size limit
+const std::string kLongTail(8000, 'x');
+
+// One writer process: kThreads threads, each sending kRecords records and
+// taking its own name after the first.
+[[noreturn]] void WriteRecords(char tag, const fs::path& home) {
+  setenv("HOME", home.c_str(), 1);
+  signal(SIGPIPE, SIG_IGN);
+  prctl(PR_SET_NAME, "unnamed");
+  log_client_init();
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t)
+    threads.emplace_back([tag, t] {
+      for (int n = 0; n < kRecords; ++n) {
+        log_write_class(5, LOG_LEVEL_ERROR, "load", "test", n, "%c t%d n%d %s", tag, t, n,
+                        n % kLongEvery == 0 ? kLongTail.c_str() : "");
+        if (n == 0) pthread_setname_np(pthread_self(), (tag + std::string("-t") + std::to_string(t)).c_str());
+      }
+    });
+  for (std::thread& thread : threads) thread.join();
+  log_client_shutdown();
+  _exit(0);
+}
+
+// Checks one line of logd's file and advances its writer's next record number.
+void TakeLine(const std::string& line, std::map<std::string, int>& next) {
+  char level[16] = "", logClass[32] = "", prefix[16] = "", tag = 0;
+  int thread = -1, number = -1, end = 0;
+  ASSERT_EQ(6, sscanf(line.c_str(), "%*s %*s %15s %31s %*d [%15[^]]]: %c t%d n%d%n", level, logClass, prefix, &tag,
+                      &thread, &number, &end)) << line.substr(0, 100);
+  EXPECT_EQ(std::string(level) + " " + logClass, "ERROR LOG_CONNECT");
+  const std::string writer = tag + std::string("-t") + std::to_string(thread);
+  ASSERT_EQ(prefix, number == 0 ? "unnamed" : writer) << "the thread name of the moment: " << line.substr(0, 100);
+  ASSERT_EQ(number, next[writer]++) << "record lost, repeated or out of order: " << line.substr(0, 100);
+  EXPECT_EQ(line.substr(static_cast<size_t>(end)), number % kLongEvery == 0 ? " " + kLongTail : " ");
+}
+
+// Clients logd must drop: one sending an unknown message type, one hanging up mid-message.
+void SendBadClients(const std::string& socketPath) {
+  const int bad = ConnectTo(socketPath), halfway = ConnectTo(socketPath);
+  const std::string garbage("\4\0\11\0oops", 8), half("\36\0\1\0cut off", 11);
+  ASSERT_EQ(8, write(bad, garbage.data(), garbage.size()));
+  ASSERT_EQ(11, write(halfway, half.data(), half.size()));
+  close(halfway);
+  char byte;
+  EXPECT_EQ(0, read(bad, &byte, 1)) << "logd hangs up on the bad client";
+  close(bad);
+}
+
+TEST(LogdLoad, EveryRecordOfTwoProcessesArrivesWholeOnceAcrossAPathChangeAndBadClientsAreDropped) {
+  testsupport::TempDir home;
+  logclient_test::LogdProcess logd(home.path());
+  ASSERT_TRUE(logd.listening());
+  const std::string socketPath = SocketPathFor(home.str());
+  const fs::path first = logclient_test::DefaultLogFile(home.path()), second = home / "second.log";
+  std::vector<pid_t> writers;
+  for (char tag : {'A', 'B'})
+    if (pid_t pid = fork(); pid == 0) WriteRecords(tag, home.path()); else writers.push_back(pid);
+  SendBadClients(socketPath);
+  // Mid-stream, as the utility points the client's log into the issue folder.
+  auto firstSize = [&] {
+    std::error_code noFileYet;
+    const uintmax_t size = fs::file_size(first, noFileYet);
+    return noFileYet ? 0 : size;
+  };
+  for (int ms = 0; ms < 10000 && firstSize() < (1u << 18); ++ms)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  std::string pathField = second.string();
+  logclient_test::WriteAreaBytes(home.path(), 244, pathField.append(256 - pathField.size(), '\0'));
+  for (pid_t writer : writers) {
+    int status = -1;
+    waitpid(writer, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  }
+  constexpr size_t kTotal = 2 * kThreads * kRecords;
+  std::vector<std::string> lines = logd.WaitForLines(0, first);
+  const size_t before = lines.size();
+  for (const std::string& line : logd.WaitForLines(kTotal - before, second)) lines.push_back(line);
+  ASSERT_LT(before, kTotal) << "the path changed after the writers were done";
+  ASSERT_EQ(lines.size(), kTotal) << logd.Errors();
+  std::map<std::string, int> next;
+  for (size_t i = 0; i < lines.size() && !testing::Test::HasFatalFailure(); ++i) TakeLine(lines[i], next);
+  EXPECT_EQ(next.size(), 2u * kThreads);
+  EXPECT_EQ(logd.Hellos().size(), 2u) << "one hello per writer process";
+
+  logclient_test::WriteAreaBytes(home.path(), 508, std::string("\1\0\0\0", 4));  // one client at a time
+  const int one = ConnectTo(socketPath), tooMany = ConnectTo(socketPath);
+  char byte;
+  EXPECT_EQ(0, read(tooMany, &byte, 1)) << "logd turns the second client away";
+  close(one), close(tooMany);
+  const int status = logd.Stop();
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_FALSE(fs::exists(socketPath)) << "the socket is removed on SIGTERM";
+  EXPECT_NE(std::string::npos, logd.Errors().find("unknown message type 9")) << logd.Errors();
+  EXPECT_NE(std::string::npos, logd.Errors().find("hung up in the middle of a message"));
+}
+
+}  // namespace
