@@ -60,8 +60,6 @@ int LogdProcess::Stop() {
   return status;
 }
 
-std::vector<std::string> LogdProcess::Hellos() const { return FileLines(home_ / "logd.out"); }
-
 std::vector<std::string> LogdProcess::WaitForLines(size_t count, const std::filesystem::path& file) const {
   const std::filesystem::path path = file.empty() ? DefaultLogFile(home_) : file;
   WaitUntil([&] { return FileLines(path).size() >= count; });

@@ -17,7 +17,6 @@ class LogdProcess {
   LogdProcess(const LogdProcess&) = delete;
 
   bool listening() const { return listening_; }
-  std::vector<std::string> Hellos() const;
   // Lines of the log file (the home's default one unless told), after waiting
   // (up to 10 s) for at least count of them.
   std::vector<std::string> WaitForLines(size_t count, const std::filesystem::path& file = {}) const;
