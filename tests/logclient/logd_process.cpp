@@ -68,11 +68,4 @@ std::vector<std::string> LogdProcess::WaitForLines(size_t count, const std::file
 
 std::string LogdProcess::Errors() const { return testsupport::ReadFile(home_ / "logd.err"); }
 
-void WriteAreaBytes(const std::filesystem::path& home, off_t offset, const std::string& bytes) {
-  const int fd = open((home / ".ORBClient/.nvxndclogconf").c_str(), O_WRONLY);
-  if (fd < 0 || pwrite(fd, bytes.data(), bytes.size(), offset) != static_cast<ssize_t>(bytes.size()))
-    perror("WriteAreaBytes");
-  if (fd >= 0) close(fd);
-}
-
 }  // namespace logclient_test

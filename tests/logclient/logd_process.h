@@ -29,9 +29,6 @@ class LogdProcess {
   std::filesystem::path home_;
 };
 
-// Overwrites bytes of the configuration area below home in place, as another
-// client program changing a setting would.
-void WriteAreaBytes(const std::filesystem::path& home, off_t offset, const std::string& bytes);
 // The per-user socket path below home, as the library computes it.
 std::string SocketPathFor(const std::string& home);
 // The per-user log file below home that a fresh area names.
