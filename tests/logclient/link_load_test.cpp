@@ -8,7 +8,6 @@
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,32 +24,9 @@
 namespace {
 
 namespace fs = std::filesystem;
+using logclient_test::ConnectTo;
+using logclient_test::ListenAt;
 using logclient_test::SocketPathFor;
-
-sockaddr_un AddressOf(const std::string& path) {
-  sockaddr_un address{AF_UNIX, {}};
-  path.copy(address.sun_path, sizeof address.sun_path - 1);
-  return address;
-}
-
-// The listening end of the link, as logd makes it. With holdConnects one
-// connection of our own fills the backlog: the next connect waits until we accept.
-int ListenAt(const std::string& path, bool holdConnects) {
-  const sockaddr_un address = AddressOf(path);
-  const auto* raw = reinterpret_cast<const sockaddr*>(&address);
-  const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  unlink(path.c_str());
-  bind(listener, raw, sizeof address);
-  listen(listener, 0);
-  if (holdConnects) connect(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), raw, sizeof address);
-  return listener;
-}
-
-int ConnectTo(const std::string& path) {
-  const sockaddr_un address = AddressOf(path);
-  const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  return connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
-}
 
 // Runs body in a child with HOME at a fresh folder holding the client folder.
 void InChildWithClientHome(const std::function<void(const std::string& home)>& body) {

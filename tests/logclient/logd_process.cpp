@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,6 +30,12 @@ std::vector<std::string> FileLines(const std::filesystem::path& file) {
   std::istringstream text(testsupport::ReadFile(file));
   for (std::string line; std::getline(text, line);) lines.push_back(line);
   return lines;
+}
+
+sockaddr_un AddressOf(const std::string& path) {
+  sockaddr_un address{AF_UNIX, {}};
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  return address;
 }
 
 }  // namespace
@@ -67,5 +75,22 @@ std::vector<std::string> LogdProcess::WaitForLines(size_t count, const std::file
 }
 
 std::string LogdProcess::Errors() const { return testsupport::ReadFile(home_ / "logd.err"); }
+
+int ListenAt(const std::string& path, bool holdConnects) {
+  const sockaddr_un address = AddressOf(path);
+  const auto* raw = reinterpret_cast<const sockaddr*>(&address);
+  const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  unlink(path.c_str());
+  bind(listener, raw, sizeof address);
+  listen(listener, 0);
+  if (holdConnects) connect(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), raw, sizeof address);
+  return listener;
+}
+
+int ConnectTo(const std::string& path) {
+  const sockaddr_un address = AddressOf(path);
+  const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  return connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
+}
 
 }  // namespace logclient_test

@@ -34,4 +34,9 @@ std::string SocketPathFor(const std::string& home);
 // The per-user log file below home that a fresh area names.
 std::filesystem::path DefaultLogFile(const std::filesystem::path& home);
 
+// The listening end of the link, as logd makes it. With holdConnects one
+// connection of our own fills the backlog: the next connect waits until we accept.
+int ListenAt(const std::string& path, bool holdConnects = false);
+int ConnectTo(const std::string& path);  // -1 when nobody listens
+
 }  // namespace logclient_test

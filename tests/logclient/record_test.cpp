@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 
 #include <syslog.h>
 
@@ -13,6 +12,7 @@
 #include <mutex>
 
 #include "logclient/logclient.h"
+#include "logd_process.h"
 #include "support/files.h"
 #include "support/forked.h"
 #include "support/temp_dir.h"
@@ -51,11 +51,7 @@ using Message = std::pair<uint16_t, std::string>;  // type, body
 std::vector<Message> SentToLogd(const std::function<void()>& body) {
   testsupport::TempDir home;
   std::filesystem::create_directories(home / ".ORBClient");
-  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
-  sockaddr_un address{AF_UNIX, {}};
-  (home.str() + "//.ORBClient/.nvxndclogsocket").copy(address.sun_path, sizeof address.sun_path - 1);
-  EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-  listen(listener, 1);
+  const int listener = logclient_test::ListenAt(logclient_test::SocketPathFor(home.str()));
   EXPECT_EQ(testsupport::RunForked([&] { setenv("HOME", home.c_str(), 1), body(); }), 0);
   const int connection = accept(listener, nullptr, nullptr);
   std::string bytes(1 << 16, '\0');
