@@ -5,19 +5,13 @@
 #include <sys/stat.h>
 
 #include "logclient/logclient.h"
+#include "logd_process.h"
 #include "support/files.h"
-#include "support/forked.h"
-#include "support/temp_dir.h"
 
+using logclient_test::InChildWithHome;
 using testsupport::ReadFile;
 
 std::string Word(int32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }
-
-void InChildWithHome(const std::function<void(const std::string& home)>& body) {
-  if (log_system_wide_mode()) GTEST_SKIP() << "the client runs system-wide here: the area is /var/log/norvex's";
-  testsupport::TempDir home;
-  EXPECT_EQ(testsupport::RunForked([&] { setenv("HOME", home.c_str(), 1), body(home.str()); }), 0);
-}
 
 TEST(ConfigArea, AFreshOrForeignFileGetsTheDefaultImageAndTheMaskIsLeftAt022) {
   for (bool foreign : {false, true}) InChildWithHome([&](const std::string& home) {

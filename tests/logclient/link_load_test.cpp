@@ -25,18 +25,12 @@ namespace {
 
 namespace fs = std::filesystem;
 using logclient_test::ConnectTo;
+using logclient_test::InChildWithHome;
 using logclient_test::ListenAt;
 using logclient_test::SocketPathFor;
 
-// Runs body in a child with HOME at a fresh folder holding the client folder.
-void InChildWithClientHome(const std::function<void(const std::string& home)>& body) {
-  testsupport::TempDir home;
-  fs::create_directories(home / ".ORBClient");
-  EXPECT_EQ(0, testsupport::RunForked([&] { setenv("HOME", home.c_str(), 1), body(home.str()); }));
-}
-
 TEST(LinkRace, RacingInitsConnectOnce) {
-  InChildWithClientHome([](const std::string& home) {
+  InChildWithHome([](const std::string& home) {
     // The first caller's connect waits for us while the others arrive.
     const int listener = ListenAt(SocketPathFor(home), true);
     std::vector<std::thread> callers;
@@ -70,7 +64,7 @@ void OpenFilesWhenTheLinkFails(const std::atomic<bool>& peerGone, const std::ato
 }
 
 TEST(LinkRace, RecordsNeverReachAFileOpenedWhileTheLinkFailsUnderWriters) {
-  InChildWithClientHome([](const std::string& home) {
+  InChildWithHome([](const std::string& home) {
     signal(SIGPIPE, SIG_IGN);  // the writer must tolerate SIGPIPE itself
     for (int round = 0; round < 60 && !testing::Test::HasFailure(); ++round) {
       const int listener = ListenAt(SocketPathFor(home), false);
@@ -155,6 +149,7 @@ void SendBadClients(const std::string& socketPath) {
 }
 
 TEST(LogdLoad, EveryRecordOfTwoProcessesArrivesWholeOnceAcrossAPathChangeAndBadClientsAreDropped) {
+  if (log_system_wide_mode()) GTEST_SKIP() << logclient_test::kSystemWideHere;
   testsupport::TempDir home;
   logclient_test::LogdProcess logd(home.path());
   ASSERT_TRUE(logd.listening());

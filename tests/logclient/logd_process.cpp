@@ -77,6 +77,7 @@ std::vector<std::string> LogdProcess::WaitForLines(size_t count, const std::file
 std::string LogdProcess::Errors() const { return testsupport::ReadFile(home_ / "logd.err"); }
 
 int ListenAt(const std::string& path, bool holdConnects) {
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
   const sockaddr_un address = AddressOf(path);
   const auto* raw = reinterpret_cast<const sockaddr*>(&address);
   const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);

@@ -1,11 +1,17 @@
 #pragma once
 // A logd child process serving a home folder, its standard output (one line
 // per client hello) and error captured beside it, and the lines it logs.
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
+
+#include "logclient/logclient.h"
+#include "support/forked.h"
+#include "support/temp_dir.h"
 
 namespace logclient_test {
 
@@ -38,5 +44,17 @@ std::filesystem::path DefaultLogFile(const std::filesystem::path& home);
 // connection of our own fills the backlog: the next connect waits until we accept.
 int ListenAt(const std::string& path, bool holdConnects = false);
 int ConnectTo(const std::string& path);  // -1 when nobody listens
+
+// Where the client runs system-wide its area and socket are the machine's, not
+// a test home's: tests of them skip there.
+inline constexpr const char* kSystemWideHere = "the client runs system-wide here: area and socket are /var/log/norvex's";
+
+// Runs body in a forked child with HOME at a fresh folder: the library keeps
+// one area and one link per process.
+inline void InChildWithHome(const std::function<void(const std::string& home)>& body) {
+  if (log_system_wide_mode()) GTEST_SKIP() << kSystemWideHere;
+  testsupport::TempDir home;
+  EXPECT_EQ(testsupport::RunForked([&] { setenv("HOME", home.c_str(), 1), body(home.str()); }), 0);
+}
 
 }  // namespace logclient_test

@@ -14,8 +14,6 @@
 #include "logclient/logclient.h"
 #include "logd_process.h"
 #include "support/files.h"
-#include "support/forked.h"
-#include "support/temp_dir.h"
 
 // This program brings its own system log, so that what the library gives it
 // is kept here ("<priority> <text>", the first hundred) instead of reaching the machine's.
@@ -45,18 +43,14 @@ void __syslog_chk(int priority, int, const char* format, ...) {
 }
 }
 
+using logclient_test::InChildWithHome;
 using Message = std::pair<uint16_t, std::string>;  // type, body
 
-// What a child running body sends to a logd listening at the per-user path.
-std::vector<Message> SentToLogd(const std::function<void()>& body) {
-  testsupport::TempDir home;
-  std::filesystem::create_directories(home / ".ORBClient");
-  const int listener = logclient_test::ListenAt(logclient_test::SocketPathFor(home.str()));
-  EXPECT_EQ(testsupport::RunForked([&] { setenv("HOME", home.c_str(), 1), body(); }), 0);
+// The messages that reached the listener so far.
+std::vector<Message> Received(int listener) {
   const int connection = accept(listener, nullptr, nullptr);
   std::string bytes(1 << 16, '\0');
-  bytes.resize(std::max<ssize_t>(recv(connection, bytes.data(), bytes.size(), MSG_WAITALL), 0));
-  close(connection), close(listener);
+  bytes.resize(std::max<ssize_t>(recv(connection, bytes.data(), bytes.size(), MSG_DONTWAIT), 0));
   std::vector<Message> messages;
   for (size_t at = 0; at + 4 <= bytes.size(); at += 4 + messages.back().second.size()) {
     uint16_t header[2];  // body length, type
@@ -75,8 +69,9 @@ std::vector<Message> SentToLogd(const std::function<void()>& body) {
   WRITE("%5d|%-4s|%.2f", 42, "ab", 2.5)
 
 TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
-  const uint32_t before = static_cast<uint32_t>(time(nullptr));
-  const std::vector<Message> messages = SentToLogd([] {
+  InChildWithHome([](const std::string& home) {
+    const int listener = logclient_test::ListenAt(logclient_test::SocketPathFor(home));
+    const uint32_t before = static_cast<uint32_t>(time(nullptr));
     program_invocation_short_name = const_cast<char*>("a_program_name_longer_than_the_field");
     prctl(PR_SET_NAME, "worker-7");
     log_client_init();
@@ -91,37 +86,36 @@ TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
     }
     for (int level = 0; level <= 7; ++level) log_write(level, "test", "unclassed", 0, "u%d", level);
     log_write_class(0, LOG_LEVEL_AOL, "test", nullptr, 0, "no origin");
-  });
-  std::vector<std::string> texts = {"[worker-7]: tid ", std::string(8191, 'x')};
-  char text[256];
+    const std::vector<Message> messages = Received(listener);
+    std::vector<std::string> texts = {"[worker-7]: tid ", std::string(8191, 'x')};
+    char text[256];
 #define EXPECT_TEXT(...) texts.push_back((snprintf(text, sizeof text, __VA_ARGS__), text))
-  FORMAT_CASES(EXPECT_TEXT);
-  for (const char* passing : {"4:4", "4:5", "4:6", "7:6", "u1", "u2", "u3", "u4", "u5"}) texts.push_back(passing);
-  ASSERT_EQ(messages.size(), texts.size() + 1);
-  EXPECT_EQ(messages[0], Message(2, std::string(2, '\0') + "norvex-a_program_name_longer_th" + '\0'));
-  const std::string& first = messages[1].second;
-  EXPECT_EQ(first.substr(0, 4), std::string("\5\0\14\0", 4)) << "level 5, class 12";
-  uint16_t tid;
-  uint32_t seconds, micros;
-  memcpy(&tid, &first[4], 2), memcpy(&seconds, &first[6], 4), memcpy(&micros, &first[10], 4);
-  EXPECT_TRUE(seconds >= before && seconds <= time(nullptr) && micros < 1000000u);
-  texts[0] += std::to_string(tid);  // the child's id, small enough for 16 bits
-  for (size_t i = 0; i < texts.size(); ++i)
-    EXPECT_EQ(messages[i + 1], Message(1, messages[i + 1].second.substr(0, 14) + texts[i] + '\0'));
-  EXPECT_EQ(messages.back().second.substr(2, 2), std::string(2, '\0')) << "unclassed records carry class 0";
+    FORMAT_CASES(EXPECT_TEXT);
+    for (const char* passing : {"4:4", "4:5", "4:6", "7:6", "u1", "u2", "u3", "u4", "u5"}) texts.push_back(passing);
+    ASSERT_EQ(messages.size(), texts.size() + 1);
+    EXPECT_EQ(messages[0], Message(2, std::string(2, '\0') + "norvex-a_program_name_longer_th" + '\0'));
+    const std::string& first = messages[1].second;
+    EXPECT_EQ(first.substr(0, 4), std::string("\5\0\14\0", 4)) << "level 5, class 12";
+    uint16_t tid;
+    uint32_t seconds, micros;
+    memcpy(&tid, &first[4], 2), memcpy(&seconds, &first[6], 4), memcpy(&micros, &first[10], 4);
+    EXPECT_TRUE(seconds >= before && seconds <= time(nullptr) && micros < 1000000u);
+    texts[0] += std::to_string(tid);  // the child's id, small enough for 16 bits
+    for (size_t i = 0; i < texts.size(); ++i)
+      EXPECT_EQ(messages[i + 1], Message(1, messages[i + 1].second.substr(0, 14) + texts[i] + '\0'));
+    EXPECT_EQ(messages.back().second.substr(2, 2), std::string(2, '\0')) << "unclassed records carry class 0";
+  });
 }
 
 TEST(SystemLog, WithoutAreaOrLogdTakesTheUnclassedAndTheAlwaysOnMessages) {
-  testsupport::TempDir home;
-  testsupport::WriteFile(home / "file", "");
-  EXPECT_EQ(testsupport::RunForked([&] {
-              setenv("HOME", (home / "file").c_str(), 1);  // no client folder can be made below a file
-              EXPECT_EQ(log_client_init(), 1);
-              EXPECT_EQ(log_set_class_level(5, 1), 0);
-              for (int level = 1; level <= 6; ++level) log_write_class(5, level, "test", "c", 0, "c%d", level);
-              for (int level = 1; level <= 6; ++level) log_write(level, "test", "u", 0, "u%d", level);
-              EXPECT_EQ(g_systemLog, (std::vector<std::string>{"3 Failed to connect with logd.", "6 c6", "6 u1", "5 u2", "4 u3",
-                                                         "3 u4", "1 u5"}));
-            }),
-            0);
+  InChildWithHome([](const std::string& home) {
+    testsupport::WriteFile(home + "/file", "");
+    setenv("HOME", (home + "/file").c_str(), 1);  // no client folder can be made below a file
+    EXPECT_EQ(log_client_init(), 1);
+    EXPECT_EQ(log_set_class_level(5, 1), 0);
+    for (int level = 1; level <= 6; ++level) log_write_class(5, level, "test", "c", 0, "c%d", level);
+    for (int level = 1; level <= 6; ++level) log_write(level, "test", "u", 0, "u%d", level);
+    EXPECT_EQ(g_systemLog, (std::vector<std::string>{"3 Failed to connect with logd.", "6 c6", "6 u1", "5 u2", "4 u3",
+                                                     "3 u4", "1 u5"}));
+  });
 }
