@@ -1,6 +1,7 @@
 #pragma once
-// A logd child process serving a home folder, its standard output (one line
-// per client hello) and error captured beside it, and the lines it logs.
+// What the logging-client tests share: a logd child process serving a home
+// folder (its output and errors kept beside it, the lines it logs), both ends
+// of the link as logd offers them, and a child process with a home of its own.
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
