@@ -91,6 +91,8 @@ int ListenAt(const std::string& path, bool holdConnects) {
 int ConnectTo(const std::string& path) {
   const sockaddr_un address = AddressOf(path);
   const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const timeval patience{5, 0};  // a logd that keeps a client it should drop fails a read, not hangs it
+  setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
   return connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
 }
 
