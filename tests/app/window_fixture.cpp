@@ -3,13 +3,10 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include <algorithm>
 #include <cstring>
-#include <sstream>
 
 #include "logclient/logclient.h"
 #include "support/fake_root.h"
-#include "support/files.h"
 
 namespace apptest {
 
@@ -29,18 +26,6 @@ bool AllClassesAt(int level) {
   for (int logClass = 0; logClass < 60; ++logClass)
     if (log_get_class_level(logClass) != level) return false;
   return true;
-}
-
-std::vector<std::string> ArchiveMembers(const std::filesystem::path& archive) {
-  std::istringstream in(testsupport::RunAndCapture("tar -tzf '" + archive.string() + "' 2>/dev/null"));
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  std::sort(lines.begin(), lines.end());
-  return lines;
-}
-
-std::string ArchiveMember(const std::filesystem::path& archive, const std::string& name) {
-  return testsupport::RunAndCapture("tar -xzOf '" + archive.string() + "' '" + name + "' 2>/dev/null");
 }
 
 // The logging client keeps the first HOME it sees for the life of the

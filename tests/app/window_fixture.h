@@ -9,10 +9,10 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "app/app.h"
 #include "support/dialogs.h"
+#include "support/files.h"
 #include "support/temp_dir.h"
 
 namespace apptest {
@@ -23,9 +23,13 @@ void MakeWindowInstallRoot(const std::filesystem::path& root);
 inline constexpr const char* kKeywardConfigText = "<KeywardConfig server=\"support-lab\"/>\n";
 // Whether every class of the shared area (as mapped by this process) is at level.
 bool AllClassesAt(int level);
-// Member names of a .tar.gz, sorted, and the content of one member.
-std::vector<std::string> ArchiveMembers(const std::filesystem::path& archive);
-std::string ArchiveMember(const std::filesystem::path& archive, const std::string& name);
+// Member names of a .tar.gz, sorted, one a line; and the content of one member.
+inline std::string ArchiveMembers(const std::filesystem::path& archive) {
+  return testsupport::RunAndCapture("tar -tzf '" + archive.string() + "' 2>/dev/null | LC_ALL=C /usr/bin/sort");
+}
+inline std::string ArchiveMember(const std::filesystem::path& archive, const std::string& name) {
+  return testsupport::RunAndCapture("tar -xzOf '" + archive.string() + "' '" + name + "' 2>/dev/null");
+}
 
 class WindowTest : public ::testing::Test {
  protected:

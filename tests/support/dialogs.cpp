@@ -1,25 +1,18 @@
 #include "support/dialogs.h"
 
+#include <algorithm>
+
 namespace testsupport {
 namespace {
 
-int generation = 0;  // watches set up before the last ForgetPendingAnswers stop polling
+int generation = 0;  // answers set up before the last ForgetPendingAnswers stop polling
 
-struct Watch {
-  std::function<void(GtkDialog*)> act;
-  GType type;
+struct Answer {
+  std::string button;
+  DialogRecord* record;
   int generation = testsupport::generation;
   int pollsLeft = 500;
 };
-
-// A file chooser learns its folder asynchronously and ignores an answer given
-// before that, so it only counts as shown once the folder is known.
-bool Shown(GtkWidget* window, GType type) {
-  if (!G_TYPE_CHECK_INSTANCE_TYPE(window, type) || !gtk_widget_get_mapped(window)) return false;
-  if (!GTK_IS_FILE_CHOOSER(window)) return true;
-  g_autofree gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
-  return type != GTK_TYPE_DIALOG && folder != nullptr;
-}
 
 // Visits widget and everything below it, depth first; visit returns false
 // to stay out of a widget's children.
@@ -38,31 +31,17 @@ GtkWidget* ActionArea(GtkDialog* dialog) {
   G_GNUC_END_IGNORE_DEPRECATIONS
 }
 
-}  // namespace
-
-void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type) {
-  g_timeout_add_full(
-      G_PRIORITY_DEFAULT, 20,
-      [](gpointer data) -> gboolean {
-        auto* watch = static_cast<Watch*>(data);
-        if (watch->generation != generation) return G_SOURCE_REMOVE;
-        GList* toplevels = gtk_window_list_toplevels();
-        GtkDialog* dialog = nullptr;
-        for (GList* item = toplevels; item && !dialog; item = item->next)
-          if (Shown(GTK_WIDGET(item->data), watch->type)) dialog = GTK_DIALOG(item->data);
-        g_list_free(toplevels);
-        if (dialog) watch->act(dialog);
-        return dialog == nullptr && --watch->pollsLeft > 0;
-      },
-      new Watch{std::move(act), type}, [](gpointer data) { delete static_cast<Watch*>(data); });
+// A file chooser learns its folder asynchronously and ignores an answer given
+// before that, so it only counts as shown once the folder is known.
+bool Shown(GtkWidget* window) {
+  if (!GTK_IS_DIALOG(window) || !gtk_widget_get_mapped(window)) return false;
+  if (!GTK_IS_FILE_CHOOSER(window)) return true;
+  g_autofree gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
+  return folder != nullptr;
 }
 
-void ForgetPendingAnswers() { ++generation; }
-
 DialogRecord Describe(GtkDialog* dialog) {
-  DialogRecord record;
-  record.seen = true;
-  record.title = gtk_window_get_title(GTK_WINDOW(dialog)) ?: "";
+  DialogRecord record{true, gtk_window_get_title(GTK_WINDOW(dialog)) ?: "", "", "", {}};
   GtkWidget* actions = ActionArea(dialog);
   Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
     const char* icon = nullptr;
@@ -81,21 +60,36 @@ DialogRecord Describe(GtkDialog* dialog) {
   return record;
 }
 
-void ClickButton(GtkDialog* dialog, const std::string& label) {
+gboolean Poll(gpointer data) {
+  auto* answer = static_cast<Answer*>(data);
+  if (answer->generation != generation) return G_SOURCE_REMOVE;
+  GList* toplevels = gtk_window_list_toplevels();
+  GtkDialog* dialog = nullptr;
+  DialogRecord shown;
+  for (GList* item = toplevels; item && !dialog; item = item->next) {
+    if (!Shown(GTK_WIDGET(item->data))) continue;
+    shown = Describe(GTK_DIALOG(item->data));
+    if (answer->button.empty() || std::ranges::count(shown.buttons, answer->button)) dialog = GTK_DIALOG(item->data);
+  }
+  g_list_free(toplevels);
+  if (!dialog) return --answer->pollsLeft > 0;
+  if (answer->record) *answer->record = shown;
+  if (answer->button.empty()) return gtk_window_close(GTK_WINDOW(dialog)), G_SOURCE_REMOVE;
   Walk(ActionArea(dialog), [&](GtkWidget* widget) {
-    const bool match = GTK_IS_BUTTON(widget) && label == (gtk_button_get_label(GTK_BUTTON(widget)) ?: "");
+    const bool match = GTK_IS_BUTTON(widget) && answer->button == (gtk_button_get_label(GTK_BUTTON(widget)) ?: "");
     if (match) gtk_button_clicked(GTK_BUTTON(widget));
     return !match;
   });
+  return G_SOURCE_REMOVE;
 }
 
-void AnswerNextDialog(int response, DialogRecord* record, GType type) {
-  WhenDialogAppears(
-      [response, record](GtkDialog* dialog) {
-        if (record) *record = Describe(dialog);
-        gtk_dialog_response(dialog, response);
-      },
-      type);
+}  // namespace
+
+void AnswerNextDialog(const std::string& button, DialogRecord* record) {
+  g_timeout_add_full(G_PRIORITY_DEFAULT, 20, Poll, new Answer{button, record},
+                     [](gpointer data) { delete static_cast<Answer*>(data); });
 }
+
+void ForgetPendingAnswers() { ++generation; }
 
 }  // namespace testsupport

@@ -3,30 +3,24 @@
 // a main-loop timeout finds the dialog among the toplevels and acts on it.
 #include <gtk/gtk.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace testsupport {
 
-// Runs act once on the first shown dialog of the given type, polling every
-// 20 ms for up to 10 s. The default type never matches a file chooser.
-void WhenDialogAppears(std::function<void(GtkDialog*)> act, GType type = GTK_TYPE_DIALOG);
-// Drops the answers still waiting, so none leaks into the next case.
-void ForgetPendingAnswers();
-
-// What a dialog shows.
+// What a dialog showed.
 struct DialogRecord {
   bool seen = false;
-  std::string title;
+  std::string title, iconName;
   std::string message;               // the content's label texts, joined by "\n"
   std::vector<std::string> buttons;  // in order
-  std::string iconName;
 };
-DialogRecord Describe(GtkDialog* dialog);
-void ClickButton(GtkDialog* dialog, const std::string& label);
 
-// Records the next dialog, then answers it with response.
-void AnswerNextDialog(int response, DialogRecord* record = nullptr, GType type = GTK_TYPE_DIALOG);
+// Records the next shown dialog that has a button labelled button, then clicks
+// it; with an empty label, the next dialog of any kind, closed as a user closes
+// it. Polls every 20 ms for up to 10 s.
+void AnswerNextDialog(const std::string& button, DialogRecord* record = nullptr);
+// Drops the answers still waiting, so none leaks into the next case.
+void ForgetPendingAnswers();
 
 }  // namespace testsupport

@@ -10,50 +10,42 @@
 
 #include "support/temp_dir.h"
 
-namespace {
-
-class XvfbEnvironment : public ::testing::Environment {
- public:
-  void SetUp() override {
-    // GLib fixes these at first use; the file chooser's recent files and caches land here.
-    for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) setenv(name, dirs_.str().c_str(), 1);
-    setenv("GDK_BACKEND", "x11", 1);
-    int fds[2];
-    ASSERT_EQ(pipe(fds), 0);
-    if ((server_ = fork()) == 0) {
-      // Also ends with a test process that crashed; holds no pipe of the test runner.
-      prctl(PR_SET_PDEATHSIG, SIGTERM);
-      const int quiet = open("/dev/null", O_WRONLY);
-      dup2(quiet, STDOUT_FILENO);
-      dup2(quiet, STDERR_FILENO);
-      const std::string fd = std::to_string(fds[1]);
-      execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", nullptr);
-      _exit(127);
-    }
-    // Xvfb picks a free display and writes its number once it accepts clients.
-    close(fds[1]);
-    std::string display = ":";
-    for (char c; read(fds[0], &c, 1) == 1 && c != '\n';) display += c;
-    close(fds[0]);
-    setenv("DISPLAY", display.c_str(), 1);
-    ASSERT_TRUE(gtk_init_check(nullptr, nullptr)) << "GTK could not open " << display;
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  if (::testing::GTEST_FLAG(list_tests)) return RUN_ALL_TESTS();
+  // GLib fixes these at first use; the file chooser's recent files and caches land here.
+  testsupport::TempDir dirs;
+  for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) setenv(name, dirs.str().c_str(), 1);
+  setenv("GDK_BACKEND", "x11", 1);
+  int fds[2];
+  if (pipe(fds) != 0) return 1;
+  const pid_t server = fork();
+  if (server == 0) {
+    // Also ends with a test process that crashed; holds no pipe of the test runner.
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    const int quiet = open("/dev/null", O_WRONLY);
+    dup2(quiet, STDOUT_FILENO);
+    dup2(quiet, STDERR_FILENO);
+    execlp("Xvfb", "Xvfb", "-displayfd", std::to_string(fds[1]).c_str(), "-screen", "0", "1280x1024x24", "-nolisten",
+           "tcp", nullptr);
+    _exit(127);
+  }
+  // Xvfb picks a free display and writes its number once it accepts clients.
+  close(fds[1]);
+  std::string display = ":";
+  for (char c; read(fds[0], &c, 1) == 1 && c != '\n';) display += c;
+  close(fds[0]);
+  setenv("DISPLAY", display.c_str(), 1);
+  int result = 1;
+  if (gtk_init_check(nullptr, nullptr)) {
     // Colours are read as the style gives them, not half-way through a fade.
     g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
     g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
+    result = RUN_ALL_TESTS();
+  } else {
+    std::cerr << "GTK could not open " << display << '\n';
   }
-  void TearDown() override {
-    if (server_ > 0) kill(server_, SIGTERM), waitpid(server_, nullptr, 0);
-  }
-
- private:
-  testsupport::TempDir dirs_;
-  pid_t server_ = -1;
-};
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  ::testing::InitGoogleTest(&argc, argv);
-  ::testing::AddGlobalTestEnvironment(new XvfbEnvironment);
-  return RUN_ALL_TESTS();
+  kill(server, SIGTERM);
+  waitpid(server, nullptr, 0);
+  return result;
 }
