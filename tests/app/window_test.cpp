@@ -1,6 +1,7 @@
 // The real window in-process: as it first shows, the issue-reproduction run
 // and the collect-existing flow through its buttons with the state each step
 // paints, what both flows show when something fails, and its language.
+#include <algorithm>
 #include <clocale>
 
 #include "app/i18n.h"
@@ -28,8 +29,7 @@ TEST_F(WindowTest, RunRaisesAndGivesBackLevelsAsksBeforeOverwritingSavesAndSurvi
   const fs::path saved = Home() / "NorvexDeskline-IssueLogs.tar.gz";  // what the save dialog proposes
   DialogRecord question;
   App& app = *app_;
-  RunWindow([&](GtkWidget* window) {
-    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(window)), "Norvex Log Collection Utility");
+  RunWindow([&](GtkWidget*) {
     // The sheet, above the theme, writes the start button in the theme's selection colours.
     GtkStyleContext* style = gtk_widget_get_style_context(app.startStopButton);
     GdkRGBA text, selected;
@@ -41,8 +41,6 @@ TEST_F(WindowTest, RunRaisesAndGivesBackLevelsAsksBeforeOverwritingSavesAndSurvi
 
     Click(app.startStopButton);
     ASSERT_EQ(app.collecting, 1);
-    EXPECT_TRUE(AllClassesAt(1));
-    EXPECT_EQ(log_get_shared_path(), (Issue() / "ORBClient.log").string());
     EXPECT_TRUE(fs::exists(Marker()));
     ExpectVisible({app.spinner, app.logCollectionText}, true);
     ExpectVisible({app.lastLogLabel, app.ruler, app.saveButton, app.existingLogButton, app.collectExistingText}, false);
@@ -166,39 +164,33 @@ TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {
   EXPECT_EQ(app_->lastSavedText, "");
 }
 
-// With the catalogues below the root, German; without them, the built-in wording.
-class WindowLanguageTest : public WindowTest, public ::testing::WithParamInterface<bool> {};
-
-TEST_P(WindowLanguageTest, WindowAndDialogsSpeakTheRootsCatalogue) {
-  if (GetParam()) fs::create_directory_symlink(NORVEX_BINARY_DIR "/nls", root_ / "nls");
+// The catalogues below the install root, as the gettext tool reads them apart
+// from the program's binding, give the window and its dialogs their wording.
+TEST_F(WindowTest, WindowAndDialogsSpeakTheRootsCatalogue) {
+  fs::create_directory_symlink(NORVEX_BINARY_DIR "/nls", root_ / "nls");
   testsupport::ScopedEnv language("LANGUAGE", "de"), locale("LC_ALL", "C.UTF-8");
   const std::string formerLocale = setlocale(LC_ALL, nullptr);
   BindMessageCatalogue(app_->installRoot.string());
-  // The catalogue as the gettext tool reads it, apart from the program's binding.
-  const auto expected = [&](const std::string& text) {
-    if (!GetParam()) return text;
+  const auto german = [&](const std::string& text) {
     return testsupport::RunAndCapture("TEXTDOMAINDIR=" + root_.str() + "/nls /usr/bin/gettext appshelf '" + text + "'");
   };
   const std::string title = "Norvex Log Collection Utility";
   DialogRecord question, chooser;
   RunWindow([&](GtkWidget* window) {
-    EXPECT_EQ(gtk_window_get_title(GTK_WINDOW(window)), expected(title));
-    EXPECT_EQ(LabelText(app_->startStopButton), expected("Start collecting logs"));
+    EXPECT_EQ(gtk_window_get_title(GTK_WINDOW(window)), german(title));
+    EXPECT_EQ(LabelText(app_->startStopButton), german("Start collecting logs"));
     AnswerNextDialog("", &question);
     app_->AskToContinue(window, "?");
-    AnswerNextDialog(expected("Cancel"), &chooser);
+    AnswerNextDialog(german("Cancel"), &chooser);
     app_->SaveArchiveDialog(app_->issueArchive, "x.tar.gz", window);
   });
   setlocale(LC_ALL, formerLocale.c_str());
-  ASSERT_NE(expected(title) == title, GetParam()) << "no German title in the catalogue";
-  EXPECT_EQ(question.title, expected(title));
-  EXPECT_EQ(question.buttons, (std::vector<std::string>{expected("Continue"), expected("Close")}));
-  EXPECT_EQ(chooser.title, expected("Save File"));
-  EXPECT_EQ(chooser.buttons.back(), expected("Save"));
+  ASSERT_NE(german(title), title) << "no German title in the catalogue";
+  EXPECT_EQ(question.title, german(title));
+  EXPECT_EQ(question.buttons, (std::vector<std::string>{german("Continue"), german("Close")}));
+  EXPECT_EQ(chooser.title, german("Save File"));
+  EXPECT_EQ(std::ranges::count(chooser.buttons, german("Save")), 1);
 }
-
-INSTANTIATE_TEST_SUITE_P(Catalogue, WindowLanguageTest, ::testing::Bool(),
-                         [](const auto& info) { return info.param ? "German" : "Missing"; });
 
 }  // namespace
 }  // namespace apptest

@@ -24,13 +24,6 @@ void Walk(GtkWidget* widget, const Visit& visit) {
   g_list_free(children);
 }
 
-// The action area is the only place GTK 3 keeps the buttons in order.
-GtkWidget* ActionArea(GtkDialog* dialog) {
-  G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-  return gtk_dialog_get_action_area(dialog);
-  G_GNUC_END_IGNORE_DEPRECATIONS
-}
-
 // A file chooser learns its folder asynchronously and ignores an answer given
 // before that, so it only counts as shown once the folder is known.
 bool Shown(GtkWidget* window) {
@@ -40,9 +33,9 @@ bool Shown(GtkWidget* window) {
   return folder != nullptr;
 }
 
+// The buttons in the order shown, without their inner labels.
 DialogRecord Describe(GtkDialog* dialog) {
   DialogRecord record{true, gtk_window_get_title(GTK_WINDOW(dialog)) ?: "", "", "", {}};
-  GtkWidget* actions = ActionArea(dialog);
   Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
     const char* icon = nullptr;
     if (GTK_IS_IMAGE(widget) && gtk_image_get_storage_type(GTK_IMAGE(widget)) == GTK_IMAGE_ICON_NAME)
@@ -50,9 +43,6 @@ DialogRecord Describe(GtkDialog* dialog) {
     if (icon && record.iconName.empty()) record.iconName = icon;
     if (GTK_IS_LABEL(widget))
       record.message += (record.message.empty() ? "" : "\n") + std::string(gtk_label_get_text(GTK_LABEL(widget)));
-    return widget != actions;
-  });
-  Walk(actions, [&](GtkWidget* widget) {
     if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)))
       record.buttons.emplace_back(gtk_button_get_label(GTK_BUTTON(widget)));
     return !GTK_IS_BUTTON(widget);
@@ -75,7 +65,7 @@ gboolean Poll(gpointer data) {
   if (!dialog) return --answer->pollsLeft > 0;
   if (answer->record) *answer->record = shown;
   if (answer->button.empty()) return gtk_window_close(GTK_WINDOW(dialog)), G_SOURCE_REMOVE;
-  Walk(ActionArea(dialog), [&](GtkWidget* widget) {
+  Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
     const bool match = GTK_IS_BUTTON(widget) && answer->button == (gtk_button_get_label(GTK_BUTTON(widget)) ?: "");
     if (match) gtk_button_clicked(GTK_BUTTON(widget));
     return !match;
