@@ -74,8 +74,4 @@ void WindowTest::RunWindow(const std::function<void(GtkWidget* window)>& body) {
   app_->Run();
 }
 
-std::string LabelText(GtkWidget* widget) {
-  return GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : gtk_label_get_text(GTK_LABEL(widget));
-}
-
 }  // namespace apptest

@@ -37,7 +37,6 @@ TEST_F(WindowTest, RunRaisesAndGivesBackLevelsAsksBeforeOverwritingSavesAndSurvi
     EXPECT_TRUE(gtk_style_context_lookup_color(style, "theme_selected_fg_color", &selected) &&
                 gdk_rgba_equal(&text, &selected)) << gdk_rgba_to_string(&text);
     ExpectVisible({app.saveButton, app.ruler, app.lastLogLabel, app.spinner, app.logCollectionText}, false);
-    ExpectVisible({app.startStopButton, app.stopText, app.existingLogButton, app.collectExistingText}, true);
 
     Click(app.startStopButton);
     ASSERT_EQ(app.collecting, 1);
@@ -155,7 +154,6 @@ TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {
   EXPECT_EQ(existing.message, "No files found at \"" + app_->existingClientLogCopy.string() + unable);
   EXPECT_EQ(emptyStop.message, "No files found at \"" + app_->issueFolder.string() + unable);
   EXPECT_EQ(failedStop.message, "Failed to save the log file archive. Please try again.");
-  EXPECT_EQ(failedStop.buttons, std::vector<std::string>{"OK"});
   EXPECT_EQ(failedStop.iconName, "dialog-error");
   EXPECT_EQ(noFolder.message, "Failed to create the log file folder at \"" + app_->issueFolder.string() +
                                   "\".\nPlease check the folder permisions and try again.");
