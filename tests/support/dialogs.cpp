@@ -54,15 +54,18 @@ gboolean Poll(gpointer data) {
   auto* answer = static_cast<Answer*>(data);
   if (answer->generation != generation) return G_SOURCE_REMOVE;
   GList* toplevels = gtk_window_list_toplevels();
-  GtkDialog* dialog = nullptr;
+  GtkDialog *dialog = nullptr, *other = nullptr;
   DialogRecord shown;
   for (GList* item = toplevels; item && !dialog; item = item->next) {
     if (!Shown(GTK_WIDGET(item->data))) continue;
+    other = GTK_DIALOG(item->data);
     shown = Describe(GTK_DIALOG(item->data));
     if (answer->button.empty() || std::ranges::count(shown.buttons, answer->button)) dialog = GTK_DIALOG(item->data);
   }
   g_list_free(toplevels);
-  if (!dialog) return --answer->pollsLeft > 0;
+  // None with that button in time: close what is shown, so the case fails rather than hangs.
+  if (!dialog && --answer->pollsLeft == 0 && other) gtk_window_close(GTK_WINDOW(other));
+  if (!dialog) return answer->pollsLeft > 0;
   if (answer->record) *answer->record = shown;
   if (answer->button.empty()) return gtk_window_close(GTK_WINDOW(dialog)), G_SOURCE_REMOVE;
   Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
