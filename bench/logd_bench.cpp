@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "logclient/logclient.h"
+#include "client_process.h"
 #include "pairs.h"
 
 namespace {
@@ -94,11 +95,8 @@ pid_t StartLogd() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  char home[] = "/tmp/logd-bench-XXXXXX";
-  if (mkdtemp(home) == nullptr) return 1;
-  setenv("HOME", home, 1);
-  signal(SIGPIPE, SIG_IGN);
-  prctl(PR_SET_NAME, kThreadName);
+  const ScratchClientProcess process("logd-bench", kThreadName);
+  if (!process.ready()) return 1;
 
   const pid_t logd = StartLogd();
   if (log_client_init() != 1) return 1;
@@ -116,6 +114,5 @@ int main(int argc, char** argv) {
   log_client_shutdown();
   kill(logd, SIGTERM);
   waitpid(logd, nullptr, 0);
-  std::string cleanup = std::string("rm -rf ") + home;
-  return system(cleanup.c_str()) == 0 && ran ? 0 : 1;
+  return ran ? 0 : 1;
 }

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "logclient/logclient.h"
+#include "client_process.h"
 #include "pairs.h"
 
 namespace {
@@ -125,11 +126,8 @@ BENCHMARK(BM_BareLibraryCall)->MinTime(kRunSeconds);
 }  // namespace
 
 int main(int argc, char** argv) {
-  char home[] = "/tmp/record-bench-XXXXXX";
-  if (mkdtemp(home) == nullptr) return 1;
-  setenv("HOME", home, 1);
-  signal(SIGPIPE, SIG_IGN);
-  prctl(PR_SET_NAME, kThreadName);
+  const ScratchClientProcess process("record-bench", kThreadName);
+  if (!process.ready()) return 1;
 
   int listener = ListenAt(log_socket_path());
   std::thread drain(Drain, listener);
@@ -148,6 +146,5 @@ int main(int argc, char** argv) {
   close(g_rawSocket);
   g_stopDrain = true;
   drain.join();
-  std::string cleanup = std::string("rm -rf ") + home;
-  return system(cleanup.c_str()) == 0 && ran ? 0 : 1;
+  return ran ? 0 : 1;
 }

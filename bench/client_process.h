@@ -1,0 +1,33 @@
+#pragma once
+// What a benchmark that logs through the client library sets up first: a
+// scratch HOME of its own (so the per-user area and socket are its own, never
+// the user's), SIGPIPE ignored as the library expects of its host, and a
+// thread name for the records. The scratch HOME goes away with the holder.
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/prctl.h>
+
+#include <filesystem>
+#include <string>
+
+class ScratchClientProcess {
+ public:
+  ScratchClientProcess(const char* tag, const char* threadName) {
+    std::string pattern = "/tmp/" + std::string(tag) + "-XXXXXX";
+    if (mkdtemp(pattern.data()) != nullptr) home_ = pattern;
+    setenv("HOME", home_.c_str(), 1);
+    signal(SIGPIPE, SIG_IGN);
+    prctl(PR_SET_NAME, threadName);
+  }
+  ~ScratchClientProcess() {
+    std::error_code ignored;
+    if (!home_.empty()) std::filesystem::remove_all(home_, ignored);
+  }
+  ScratchClientProcess(const ScratchClientProcess&) = delete;
+  ScratchClientProcess& operator=(const ScratchClientProcess&) = delete;
+
+  bool ready() const { return !home_.empty(); }
+
+ private:
+  std::string home_;
+};
