@@ -1,21 +1,16 @@
 // The real logmgr binary under the test display, driven from outside: with
 // logd and the demo client logging through it, and on machines support sees
 // (no client at all, a client whose dump tool is missing).
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <functional>
 #include <sstream>
 #include <thread>
 
-#include "logclient/logclient.h"
 #include "logclient/logd_process.h"
-#include "support/files.h"
-#include "support/temp_dir.h"
 #include "window_fixture.h"
 #include "x_drive.h"
 
@@ -23,21 +18,10 @@ namespace apptest {
 namespace {
 
 namespace fs = std::filesystem;
+using testsupport::ExitCodeOf;
+using testsupport::WaitUntil;
 constexpr const char* kTitle = "Norvex Log Collection Utility";
 constexpr int kWaitMs = 30000;
-
-bool WaitUntil(const std::function<bool()>& done) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kWaitMs);
-  for (; !done(); std::this_thread::sleep_for(std::chrono::milliseconds(20)))
-    if (std::chrono::steady_clock::now() > deadline) return false;
-  return true;
-}
-
-// Exit status, or -1 when it did not end in time (TearDown kills it then).
-int WaitForExit(pid_t pid) {
-  int status = 0;
-  return WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; }) && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 // The demo client's lines in a log file, those of one level or all.
 int DemoLines(const std::string& log, const std::string& level = " ") {
@@ -61,18 +45,9 @@ class LogmgrTest : public ::testing::Test {
     if (display_) XCloseDisplay(display_);
   }
 
-  // Starts program in this test's HOME and root; what it prints goes to output.
+  // In this test's HOME and root.
   pid_t Start(const char* program = LOGMGR_PATH, const char* argument = nullptr, const char* output = "/dev/null") {
-    const pid_t pid = fork();
-    if (pid == 0) {
-      const int fd = open(output, O_WRONLY | O_CREAT | O_APPEND, 0644);
-      dup2(fd, STDOUT_FILENO);
-      dup2(fd, STDERR_FILENO);
-      execl(program, program, argument, static_cast<char*>(nullptr));
-      _exit(127);
-    }
-    started_.push_back(pid);
-    return pid;
+    return started_.emplace_back(testsupport::StartProgram(program, argument, output));
   }
 
   testsupport::TempDir home_, root_;
@@ -85,7 +60,7 @@ class LogmgrTest : public ::testing::Test {
 
 TEST_F(LogmgrTest, WithoutAnInstallRootEndsAtOnceWithOneRootLinePerSearch) {
   testsupport::ScopedEnv root("ORBROOT", "/nonexistent");
-  EXPECT_EQ(WaitForExit(Start(LOGMGR_PATH, nullptr, output_.c_str())), 0) << "ran on with no window";
+  EXPECT_EQ(ExitCodeOf(Start(LOGMGR_PATH, nullptr, output_.c_str())), 0) << "ran on with no window";
   // One search builds the App, the other finds the message catalogue.
   EXPECT_EQ(testsupport::ReadFile(output_), "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
 }
@@ -96,12 +71,11 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
   fs::remove(root_ / "util/envdump");
   logclient_test::LogdProcess logd(home_.path());
   ASSERT_TRUE(logd.listening());
-  ASSERT_EQ(log_config_open(), 1);  // this process reads the same area
   const pid_t demoClient = Start(DEMO_CLIENT_PATH, "40");
   const pid_t logmgr = Start(LOGMGR_PATH, nullptr, output_.c_str());
   const Window window = xdrive::WaitForWindow(display_, kTitle, kWaitMs);
   ASSERT_NE(window, 0u);
-  EXPECT_EQ(WaitForExit(Start()), 0) << "a second copy must end at once";
+  EXPECT_EQ(ExitCodeOf(Start()), 0) << "a second copy must end at once";
   EXPECT_EQ(xdrive::CountWindows(display_, kTitle), 1);
 
   ASSERT_TRUE(xdrive::PressKey(display_, window, "Return"));  // start
@@ -115,7 +89,9 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
 
   ASSERT_TRUE(xdrive::PressKey(display_, window, "Return"));  // stop
   const auto clientLog = logclient_test::DefaultLogFile(home_.path());
-  ASSERT_TRUE(WaitUntil([&] { return AllClassesAt(4) && log_get_shared_path() != issueLog; }));
+  // The stop packs the issue folder once the levels and the path are back.
+  const auto packed = issueLog.parent_path() / "NorvexDeskline-IssueLogs.tar.gz";
+  ASSERT_TRUE(WaitUntil([&] { return !ArchiveMembers(packed).empty(); }));
   // Lines already on their way when the levels went back have arrived by now.
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
   const std::string afterStop = testsupport::ReadFile(clientLog);
@@ -132,7 +108,7 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
   EXPECT_GT(DemoLines(now), DemoLines(afterStop));
   EXPECT_EQ(DemoLines(now, " VERBOSE "), DemoLines(afterStop, " VERBOSE ")) << "VERBOSE lines after the stop";
   xdrive::RequestClose(display_, window);
-  EXPECT_EQ(WaitForExit(logmgr), 0);
+  EXPECT_EQ(ExitCodeOf(logmgr), 0);
   kill(demoClient, SIGKILL);  // ended first, or a stopping logd waits for it to fall quiet
 }
 

@@ -18,7 +18,7 @@
 
 #include "logclient/logclient.h"
 #include "logd_process.h"
-#include "support/forked.h"
+#include "support/processes.h"
 #include "support/temp_dir.h"
 
 namespace {

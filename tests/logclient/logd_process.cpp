@@ -1,6 +1,5 @@
 #include "logd_process.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -8,22 +7,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <sstream>
-#include <thread>
 
 #include "support/files.h"
 
 namespace logclient_test {
 namespace {
-
-template <typename Condition>
-bool WaitUntil(Condition cond) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (!cond() && std::chrono::steady_clock::now() < deadline)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  return cond();
-}
 
 std::vector<std::string> FileLines(const std::filesystem::path& file) {
   std::vector<std::string> lines;
@@ -48,15 +37,9 @@ std::filesystem::path DefaultLogFile(const std::filesystem::path& home) {
 
 LogdProcess::LogdProcess(const std::filesystem::path& home) : home_(home) {
   std::filesystem::create_directories(home);
-  pid_ = fork();
-  if (pid_ == 0) {
-    dup2(open((home / "logd.out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDOUT_FILENO);
-    dup2(open((home / "logd.err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDERR_FILENO);
-    setenv("HOME", home.c_str(), 1);
-    execl(LOGD_PATH, "logd", static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  listening_ = pid_ > 0 && WaitUntil([&] { return std::filesystem::exists(SocketPathFor(home.string())); });
+  testsupport::ScopedEnv homeEnv("HOME", home.c_str());
+  pid_ = testsupport::StartProgram(LOGD_PATH, nullptr, (home / "logd.err").c_str());
+  listening_ = testsupport::WaitUntil([&] { return std::filesystem::exists(SocketPathFor(home.string())); }, 10);
 }
 
 int LogdProcess::Stop() {
@@ -70,7 +53,7 @@ int LogdProcess::Stop() {
 
 std::vector<std::string> LogdProcess::WaitForLines(size_t count, const std::filesystem::path& file) const {
   const std::filesystem::path path = file.empty() ? DefaultLogFile(home_) : file;
-  WaitUntil([&] { return FileLines(path).size() >= count; });
+  testsupport::WaitUntil([&] { return FileLines(path).size() >= count; }, 10);
   return FileLines(path);
 }
 

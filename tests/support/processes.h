@@ -1,0 +1,59 @@
+#pragma once
+// Child processes of a test: a body run forked, so that what it changes in the
+// process (environment, umask, a library's per-process state) stays there, and
+// waits that give up instead of hanging the run.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <thread>
+
+namespace testsupport {
+
+// 0, or 1 when an expectation failed in the child; -1 on a crash.
+inline int RunForked(const std::function<void()>& body) {
+  fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    body();
+    fflush(nullptr);
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = 0;
+  while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return child > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Starts program with its one argument, if any, and its output and errors appended to output.
+inline pid_t StartProgram(const char* program, const char* argument = nullptr, const char* output = "/dev/null") {
+  const pid_t pid = fork();
+  if (pid == 0) {
+    const int fd = open(output, O_WRONLY | O_CREAT | O_APPEND, 0644);
+    dup2(fd, STDOUT_FILENO), dup2(fd, STDERR_FILENO);
+    execl(program, program, argument, static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  return pid;
+}
+
+inline bool WaitUntil(const std::function<bool()>& done, int seconds = 30) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+  for (; !done(); std::this_thread::sleep_for(std::chrono::milliseconds(10)))
+    if (std::chrono::steady_clock::now() > deadline) return false;
+  return true;
+}
+
+// The exit code, or -1 when the child did not end in time or was killed.
+inline int ExitCodeOf(pid_t pid) {
+  int status = 0;
+  return WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; }) && WIFEXITED(status) ? WEXITSTATUS(status)
+                                                                                                : -1;
+}
+
+}  // namespace testsupport
