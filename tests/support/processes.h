@@ -50,10 +50,10 @@ inline bool WaitUntil(const std::function<bool()>& done, int seconds = 30) {
 }
 
 // The exit code, or -1 when the child did not end in time or was killed.
-inline int ExitCodeOf(pid_t pid) {
+inline int ExitCodeOf(pid_t pid, int seconds = 30) {
   int status = 0;
-  return WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; }) && WIFEXITED(status) ? WEXITSTATUS(status)
-                                                                                                : -1;
+  const bool ended = WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; }, seconds);
+  return ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 }  // namespace testsupport
