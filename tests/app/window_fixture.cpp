@@ -1,11 +1,7 @@
 #include "window_fixture.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
-
-#include <cstring>
-
 #include "logclient/logclient.h"
+#include "logclient/logd_process.h"
 #include "support/fake_root.h"
 
 namespace apptest {
@@ -29,19 +25,12 @@ bool AllClassesAt(int level) {
 }
 
 // The logging client keeps the first HOME it sees for the life of the
-// process, so all window tests share one; a socket that listens (and never
-// reads) stands in for logd, so that nothing goes to the system log.
+// process, so all window tests share one, and a logd of their own.
 const std::filesystem::path& WindowTest::Home() {
   static testsupport::TempDir home;
-  static const int logd = [] {
-    setenv("HOME", home.str().c_str(), 1);
-    sockaddr_un address{AF_UNIX, {}};
-    std::strncpy(address.sun_path, log_socket_path(), sizeof address.sun_path - 1);
-    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    return listen(fd, 16) == 0 ? fd : -1;
-  }();
-  EXPECT_GE(logd, 0) << "no logd stand-in";
+  static const logclient_test::LogdProcess logd(home.path());
+  EXPECT_TRUE(logd.listening()) << logd.Errors();
+  setenv("HOME", home.c_str(), 1);
   return home.path();
 }
 

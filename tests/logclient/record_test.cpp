@@ -27,20 +27,17 @@ void vsyslog(int priority, const char* format, va_list args) {
   std::lock_guard<std::mutex> hold(lock);
   if (g_systemLog.size() < 100) g_systemLog.push_back(std::to_string(priority) + " " + text);
 }
-void syslog(int priority, const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  vsyslog(priority, format, args);
-  va_end(args);
-}
-// What a fortified build of the library calls instead.
+// The variadic entries, plain and as a fortified build of the library calls them.
+#define FORWARD_TO_VSYSLOG(name, ...)                            \
+  void name(int priority, __VA_ARGS__ const char* format, ...) { \
+    va_list args;                                                \
+    va_start(args, format);                                      \
+    vsyslog(priority, format, args);                             \
+    va_end(args);                                                \
+  }
+FORWARD_TO_VSYSLOG(syslog)
+FORWARD_TO_VSYSLOG(__syslog_chk, int, )
 void __vsyslog_chk(int priority, int, const char* format, va_list args) { vsyslog(priority, format, args); }
-void __syslog_chk(int priority, int, const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  vsyslog(priority, format, args);
-  va_end(args);
-}
 }
 
 using logclient_test::InChildWithHome;
