@@ -94,7 +94,8 @@ TEST_F(WindowTest, RunRaisesAndGivesBackLevelsAsksBeforeOverwritingSavesAndSurvi
 }
 
 TEST_F(WindowTest, SavedArchiveCarriesTheConfigurationAsClientLogAndTheButtonThenViews) {
-  WriteFile(Logs() / "KeywardSvr.latest", "keyward\n");
+  WriteFile(scratch_ / "keyward.log", "keyward\n");  // a link's content is stored
+  fs::create_symlink(scratch_ / "keyward.log", Logs() / "KeywardSvr.latest");
   WriteFile(Logs() / "userActivitylog.1", "older activity\n");
   WriteFile(Logs() / "kvlog.3", "sibling\n");
   const fs::path saved = Home() / "NorvexDeskline-ExistingLogs.tar.gz";  // what the save dialog proposes
@@ -115,6 +116,7 @@ TEST_F(WindowTest, SavedArchiveCarriesTheConfigurationAsClientLogAndTheButtonThe
                                    "UserSystemInfo.txt\nkvlog.3\nuserActivitylog.1\n");
   // The diagnostics step has just copied the configuration onto the issue folder's client log.
   EXPECT_EQ(ArchiveMember(saved, "ORBClient.log"), kKeywardConfigText);
+  EXPECT_EQ(ArchiveMember(saved, "KeywardSvr.latest"), "keyward\n");
 }
 
 TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {

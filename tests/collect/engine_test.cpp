@@ -90,20 +90,6 @@ TEST_F(Engine, ListingTakesTheWholeActivityFamilyFirstAndSplitsAtLineFeedsOnly) 
                                   issue + "kvlog.two", logs + "kvlog.2"}));
 }
 
-TEST_F(Engine, ArchiveStoresTheExistingFilesFlatWithLinksFollowed) {
-  const fs::path logs = scratch_ / "logs", archive = scratch_ / "out.tar.gz";
-  for (const char* name : {"a/ORBClient.log", "one/same.log", "two/same.log", "target"}) WriteFile(logs / name, name);
-  fs::create_symlink(logs / "target", logs / "linked.log");
-  EXPECT_EQ(app_.CreateArchive({logs / "a/ORBClient.log", logs / "missing.log", logs / "linked.log",
-                                logs / "one/same.log", logs / "two/same.log"}, archive.string()), 0);
-  EXPECT_EQ(testsupport::RunAndCapture("tar -tvzf " + archive.string() + " | awk '{print $1, $NF}'"),
-            "-rw-r--r-- ORBClient.log\n-rw-r--r-- linked.log\n-rw-r--r-- same.log\n-rw-r--r-- same.log\n");
-  fs::remove(archive);
-  EXPECT_EQ(app_.CreateArchive({}, archive.string()), 1);
-  EXPECT_EQ(app_.CreateArchive({logs / "missing.log"}, archive.string()), 1);
-  EXPECT_FALSE(fs::exists(archive));
-}
-
 TEST(ArchiveTime, ReadsOnTheTwelveHourClockWithoutAmPm) {
   {
     testsupport::ScopedEnv zone("TZ", "UTC");
