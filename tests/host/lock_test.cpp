@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 
 #include "support/files.h"
+#include "support/processes.h"
 #include "support/temp_dir.h"
 
 namespace fs = std::filesystem;
@@ -25,11 +25,8 @@ TEST(SingleInstance, ClaimsAFreeStaleOrReusedLockButNotOneThisProgramHolds) {
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0700)) << path;
   EXPECT_TRUE(EnsureSingleInstance("logmgr")) << "this very program holds it";
   // An owner that is gone, and a live one that runs another program.
-  pid_t gone = fork(), other = 0;
-  if (gone == 0) _exit(0);
-  waitpid(gone, nullptr, 0);
-  char* sleepArgv[] = {const_cast<char*>("sleep"), const_cast<char*>("60"), nullptr};
-  ASSERT_EQ(posix_spawnp(&other, "sleep", nullptr, nullptr, sleepArgv, environ), 0);
+  const pid_t gone = testsupport::StartProgram("/bin/true"), other = testsupport::StartProgram("/bin/sleep", "60");
+  testsupport::ExitCodeOf(gone);
   for (pid_t owner : {gone, other}) {
     testsupport::WriteFile(lock, IdBytes(owner) + "tail");
     EXPECT_FALSE(EnsureSingleInstance("logmgr")) << owner;
