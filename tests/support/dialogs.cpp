@@ -1,18 +1,18 @@
 #include "support/dialogs.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <list>
 
 namespace testsupport {
 namespace {
 
-int generation = 0;  // answers set up before the last ForgetPendingAnswers stop polling
-
 struct Answer {
   std::string button;
   DialogRecord* record;
-  int generation = testsupport::generation;
-  int pollsLeft = 500;
 };
+std::list<Answer> pending;
 
 // Visits widget and everything below it, depth first; visit returns false
 // to stay out of a widget's children.
@@ -22,15 +22,6 @@ void Walk(GtkWidget* widget, const Visit& visit) {
   GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
   for (GList* c = children; c; c = c->next) Walk(GTK_WIDGET(c->data), visit);
   g_list_free(children);
-}
-
-// A file chooser learns its folder asynchronously and ignores an answer given
-// before that, so it only counts as shown once the folder is known.
-bool Shown(GtkWidget* window) {
-  if (!GTK_IS_DIALOG(window) || !gtk_widget_get_mapped(window)) return false;
-  if (!GTK_IS_FILE_CHOOSER(window)) return true;
-  g_autofree gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(window));
-  return folder != nullptr;
 }
 
 // The buttons in the order shown, without their inner labels.
@@ -50,39 +41,45 @@ DialogRecord Describe(GtkDialog* dialog) {
   return record;
 }
 
-gboolean Poll(gpointer data) {
-  auto* answer = static_cast<Answer*>(data);
-  if (answer->generation != generation) return G_SOURCE_REMOVE;
-  GList* toplevels = gtk_window_list_toplevels();
-  GtkDialog *dialog = nullptr, *other = nullptr;
-  DialogRecord shown;
-  for (GList* item = toplevels; item && !dialog; item = item->next) {
-    if (!Shown(GTK_WIDGET(item->data))) continue;
-    other = GTK_DIALOG(item->data);
-    shown = Describe(GTK_DIALOG(item->data));
-    if (answer->button.empty() || std::ranges::count(shown.buttons, answer->button)) dialog = GTK_DIALOG(item->data);
-  }
-  g_list_free(toplevels);
-  // None with that button in time: close what is shown, so the case fails rather than hangs.
-  if (!dialog && --answer->pollsLeft == 0 && other) gtk_window_close(GTK_WINDOW(other));
-  if (!dialog) return answer->pollsLeft > 0;
-  if (answer->record) *answer->record = shown;
-  if (answer->button.empty()) return gtk_window_close(GTK_WINDOW(dialog)), G_SOURCE_REMOVE;
+GtkWidget* ButtonLabelled(GtkDialog* dialog, const std::string& label) {
+  GtkWidget* found = nullptr;
   Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
-    const bool match = GTK_IS_BUTTON(widget) && answer->button == (gtk_button_get_label(GTK_BUTTON(widget)) ?: "");
-    if (match) gtk_button_clicked(GTK_BUTTON(widget));
-    return !match;
+    if (GTK_IS_BUTTON(widget) && label == (gtk_button_get_label(GTK_BUTTON(widget)) ?: "")) found = widget;
+    return !found;
   });
-  return G_SOURCE_REMOVE;
+  return found;
 }
 
 }  // namespace
 
-void AnswerNextDialog(const std::string& button, DialogRecord* record) {
-  g_timeout_add_full(G_PRIORITY_DEFAULT, 20, Poll, new Answer{button, record},
-                     [](gpointer data) { delete static_cast<Answer*>(data); });
-}
+void AnswerNextDialog(const std::string& button, DialogRecord* record) { pending.push_back({button, record}); }
 
-void ForgetPendingAnswers() { ++generation; }
+void ForgetPendingAnswers() { pending.clear(); }
 
 }  // namespace testsupport
+
+using namespace testsupport;
+
+// Replaces GTK's own modal run for the program under test: the dialog is shown,
+// given the first waiting answer it has a button for, and never blocks a case.
+extern "C" gint gtk_dialog_run(GtkDialog* dialog) {
+  gtk_widget_show(GTK_WIDGET(dialog));
+  // A file chooser learns its folder asynchronously and ignores an answer given before that.
+  for (int spins = 0; GTK_IS_FILE_CHOOSER(dialog) && spins < 1000; ++spins) {
+    g_autofree gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(dialog));
+    if (folder) break;
+    g_main_context_iteration(nullptr, FALSE), g_usleep(10000);
+  }
+  const DialogRecord shown = Describe(dialog);
+  const auto answer = std::ranges::find_if(pending, [&](const Answer& a) {
+    return a.button.empty() || std::ranges::count(shown.buttons, a.button);
+  });
+  if (answer == pending.end()) {
+    ADD_FAILURE() << "no answer for the dialog \"" << shown.message << "\"";
+    return GTK_RESPONSE_DELETE_EVENT;
+  }
+  if (answer->record) *answer->record = shown;
+  GtkWidget* button = answer->button.empty() ? nullptr : ButtonLabelled(dialog, answer->button);
+  pending.erase(answer);
+  return button ? gtk_dialog_get_response_for_widget(dialog, button) : GTK_RESPONSE_DELETE_EVENT;
+}

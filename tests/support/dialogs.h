@@ -1,6 +1,6 @@
 #pragma once
-// Answers the modal dialogs that code under test runs with gtk_dialog_run:
-// a main-loop timeout finds the dialog among the toplevels and acts on it.
+// Answers the modal dialogs that code under test runs: the test binary's own
+// gtk_dialog_run shows each and answers it at once from the waiting answers.
 #include <gtk/gtk.h>
 
 #include <string>
@@ -16,9 +16,8 @@ struct DialogRecord {
   std::vector<std::string> buttons;  // in order
 };
 
-// Records the next shown dialog that has a button labelled button, then clicks
-// it; with an empty label, the next dialog of any kind, closed as a user closes
-// it. Polls every 20 ms for up to 10 s.
+// The next dialog that has a button labelled button is recorded and gets that
+// button; with an empty label, the next dialog of any kind is closed as a user closes it.
 void AnswerNextDialog(const std::string& button, DialogRecord* record = nullptr);
 // Drops the answers still waiting, so none leaks into the next case.
 void ForgetPendingAnswers();
