@@ -46,8 +46,8 @@ class LogmgrTest : public ::testing::Test {
   }
 
   // In this test's HOME and root.
-  pid_t Start(const char* program = LOGMGR_PATH, const char* argument = nullptr, const char* output = "/dev/null") {
-    return started_.emplace_back(testsupport::StartProgram(program, argument, output));
+  pid_t Start(const std::vector<std::string>& argv = {LOGMGR_PATH}, const char* output = "/dev/null") {
+    return started_.emplace_back(testsupport::StartProgram(argv, output));
   }
 
   testsupport::TempDir home_, root_;
@@ -60,7 +60,7 @@ class LogmgrTest : public ::testing::Test {
 
 TEST_F(LogmgrTest, WithoutAnInstallRootEndsAtOnceWithOneRootLinePerSearch) {
   testsupport::ScopedEnv root("ORBROOT", "/nonexistent");
-  EXPECT_EQ(ExitCodeOf(Start(LOGMGR_PATH, nullptr, output_.c_str())), 0) << "ran on with no window";
+  EXPECT_EQ(ExitCodeOf(Start({LOGMGR_PATH}, output_.c_str())), 0) << "ran on with no window";
   // One search builds the App, the other finds the message catalogue.
   EXPECT_EQ(testsupport::ReadFile(output_), "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
 }
@@ -71,8 +71,8 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
   fs::remove(root_ / "util/envdump");
   logclient_test::LogdProcess logd(home_.path());
   ASSERT_TRUE(logd.listening());
-  const pid_t demoClient = Start(DEMO_CLIENT_PATH, "40");
-  const pid_t logmgr = Start(LOGMGR_PATH, nullptr, output_.c_str());
+  const pid_t demoClient = Start({DEMO_CLIENT_PATH, "40"});
+  const pid_t logmgr = Start({LOGMGR_PATH}, output_.c_str());
   const Window window = xdrive::WaitForWindow(display_, kTitle, kWaitMs);
   ASSERT_NE(window, 0u);
   EXPECT_EQ(ExitCodeOf(Start()), 0) << "a second copy must end at once";

@@ -25,7 +25,7 @@ TEST(SingleInstance, ClaimsAFreeStaleOrReusedLockButNotOneThisProgramHolds) {
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0700)) << path;
   EXPECT_TRUE(EnsureSingleInstance("logmgr")) << "this very program holds it";
   // An owner that is gone, and a live one that runs another program.
-  const pid_t gone = testsupport::StartProgram("/bin/true"), other = testsupport::StartProgram("/bin/sleep", "60");
+  const pid_t gone = testsupport::StartProgram({"true"}), other = testsupport::StartProgram({"sleep", "60"});
   testsupport::ExitCodeOf(gone);
   for (pid_t owner : {gone, other}) {
     testsupport::WriteFile(lock, IdBytes(owner) + "tail");

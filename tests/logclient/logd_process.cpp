@@ -38,7 +38,7 @@ std::filesystem::path DefaultLogFile(const std::filesystem::path& home) {
 LogdProcess::LogdProcess(const std::filesystem::path& home) : home_(home) {
   std::filesystem::create_directories(home);
   testsupport::ScopedEnv homeEnv("HOME", home.c_str());
-  pid_ = testsupport::StartProgram(LOGD_PATH, nullptr, (home / "logd.err").c_str());
+  pid_ = testsupport::StartProgram({LOGD_PATH}, (home / "logd.err").c_str());
   listening_ = testsupport::WaitUntil([&] { return std::filesystem::exists(SocketPathFor(home.string())); }, 10);
 }
 

@@ -1,13 +1,12 @@
 // Entry of every GTK test executable: a private Xvfb display, user folders of
 // its own, GLib warnings and criticals fatal, then the cases.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 #include <signal.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "support/processes.h"
 #include "support/temp_dir.h"
 
 int main(int argc, char** argv) {
@@ -19,17 +18,8 @@ int main(int argc, char** argv) {
   setenv("GDK_BACKEND", "x11", 1);
   int fds[2];
   if (pipe(fds) != 0) return 1;
-  const pid_t server = fork();
-  if (server == 0) {
-    // Also ends with a test process that crashed; holds no pipe of the test runner.
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    const int quiet = open("/dev/null", O_WRONLY);
-    dup2(quiet, STDOUT_FILENO);
-    dup2(quiet, STDERR_FILENO);
-    execlp("Xvfb", "Xvfb", "-displayfd", std::to_string(fds[1]).c_str(), "-screen", "0", "1280x1024x24", "-nolisten",
-           "tcp", nullptr);
-    _exit(127);
-  }
+  const pid_t server = testsupport::StartProgram(
+      {"Xvfb", "-displayfd", std::to_string(fds[1]), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"});
   // Xvfb picks a free display and writes its number once it accepts clients.
   close(fds[1]);
   std::string display = ":";

@@ -4,6 +4,8 @@
 // waits that give up instead of hanging the run.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,7 +13,9 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace testsupport {
 
@@ -30,13 +34,18 @@ inline int RunForked(const std::function<void()>& body) {
   return child > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// Starts program with its one argument, if any, and its output and errors appended to output.
-inline pid_t StartProgram(const char* program, const char* argument = nullptr, const char* output = "/dev/null") {
+// Starts argv (its program looked up on PATH) with output and errors appended
+// to output; it gets SIGTERM when the test process ends, even by a crash.
+inline pid_t StartProgram(std::vector<std::string> argv, const char* output = "/dev/null") {
   const pid_t pid = fork();
   if (pid == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     const int fd = open(output, O_WRONLY | O_CREAT | O_APPEND, 0644);
     dup2(fd, STDOUT_FILENO), dup2(fd, STDERR_FILENO);
-    execl(program, program, argument, static_cast<char*>(nullptr));
+    std::vector<char*> args;
+    for (std::string& arg : argv) args.push_back(arg.data());
+    args.push_back(nullptr);
+    execvp(args[0], args.data());
     _exit(127);
   }
   return pid;
