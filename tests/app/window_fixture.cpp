@@ -1,6 +1,5 @@
 #include "window_fixture.h"
 
-#include "logclient/logclient.h"
 #include "logclient/logd_process.h"
 #include "support/fake_root.h"
 
@@ -16,12 +15,6 @@ void MakeWindowInstallRoot(const std::filesystem::path& root) {
   testsupport::WriteScript(root / "util/envdump",
                            "out=\"$(dirname \"$0\")/envdump.out\"\necho \"PATH=$PATH\" > \"$out\"\necho \"$out\"");
   testsupport::WriteScript(root / "util/desklinecheck.sh", "echo \"client check: all services answer\"");
-}
-
-bool AllClassesAt(int level) {
-  for (int logClass = 0; logClass < 60; ++logClass)
-    if (log_get_class_level(logClass) != level) return false;
-  return true;
 }
 
 // The logging client keeps the first HOME it sees for the life of the

@@ -1,7 +1,6 @@
 #pragma once
-// The real main window run in-process against a temporary install root, a
-// PATH of the tools the flows use (no opener), and the test process's HOME;
-// and what it shares with the tests that run logmgr itself.
+// The real main window run in-process against a temporary install root and a
+// PATH of the tools the flows use (no opener); what the logmgr runs share.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -17,12 +16,9 @@
 
 namespace apptest {
 
-// The fake client parts, the window description and images of the source
-// tree, a configuration file and diagnostics tools that succeed quickly.
+// With the window assets of the source tree, a configuration and quick diagnostics tools.
 void MakeWindowInstallRoot(const std::filesystem::path& root);
 inline constexpr const char* kKeywardConfigText = "<KeywardConfig server=\"support-lab\"/>\n";
-// Whether every class of the shared area (as mapped by this process) is at level.
-bool AllClassesAt(int level);
 // Member names of a .tar.gz, sorted, one a line; and the content of one member.
 inline std::string ArchiveMembers(const std::filesystem::path& archive) {
   return testsupport::RunAndCapture("tar -tzf '" + archive.string() + "' 2>/dev/null | LC_ALL=C /usr/bin/sort");

@@ -17,6 +17,12 @@ using testsupport::AnswerNextDialog;
 using testsupport::DialogRecord;
 using testsupport::WriteFile;
 
+bool AllClassesAt(int level) {
+  for (int logClass = 0; logClass < LOG_CLASS_COUNT; ++logClass)
+    if (log_get_class_level(logClass) != level) return false;
+  return true;
+}
+
 void ExpectVisible(std::initializer_list<GtkWidget*> widgets, bool visible) {
   for (GtkWidget* widget : widgets) EXPECT_EQ(Visible(widget), visible) << gtk_buildable_get_name(GTK_BUILDABLE(widget));
 }
