@@ -11,8 +11,7 @@
 
 #include "app/app.h"
 #include "support/dialogs.h"
-#include "support/files.h"
-#include "support/temp_dir.h"
+#include "support/fixtures.h"
 
 namespace apptest {
 

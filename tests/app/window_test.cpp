@@ -6,7 +6,7 @@
 
 #include "app/i18n.h"
 #include "logclient/logclient.h"
-#include "support/files.h"
+#include "support/fixtures.h"
 #include "window_fixture.h"
 
 namespace apptest {

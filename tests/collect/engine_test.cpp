@@ -11,8 +11,7 @@
 #include "host/install_root.h"
 #include "host/os_identity.h"
 #include "support/fake_root.h"
-#include "support/files.h"
-#include "support/temp_dir.h"
+#include "support/fixtures.h"
 
 namespace fs = std::filesystem;
 using testsupport::ReadFile;

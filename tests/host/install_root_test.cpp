@@ -5,8 +5,7 @@
 
 #include "host/client_version.h"
 #include "support/fake_root.h"
-#include "support/files.h"
-#include "support/temp_dir.h"
+#include "support/fixtures.h"
 
 namespace fs = std::filesystem;
 using testsupport::ScopedEnv;

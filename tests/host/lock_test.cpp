@@ -6,9 +6,8 @@
 #include <signal.h>
 #include <sys/wait.h>
 
-#include "support/files.h"
+#include "support/fixtures.h"
 #include "support/processes.h"
-#include "support/temp_dir.h"
 
 namespace fs = std::filesystem;
 using testsupport::ReadFile;

@@ -4,8 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/files.h"
-#include "support/temp_dir.h"
+#include "support/fixtures.h"
 
 TEST(OsIdentity, VendorValuesLoseBothEndsAndTokensKeepLettersDigitsDotsAndDashes) {
   for (auto [taken, expected] : {

@@ -2,8 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "logclient/logclient.h"
-#include "support/files.h"
-#include "support/temp_dir.h"
+#include "support/fixtures.h"
 
 TEST(ChildPipe, ExpandsAbsolutePatternsOnlyAndKeepsOnesThatMatchNothing) {
   testsupport::TempDir dir;

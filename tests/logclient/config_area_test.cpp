@@ -6,7 +6,7 @@
 
 #include "logclient/logclient.h"
 #include "logd_process.h"
-#include "support/files.h"
+#include "support/fixtures.h"
 
 using logclient_test::InChildWithHome;
 using testsupport::ReadFile;

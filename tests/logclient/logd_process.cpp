@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <sstream>
 
-#include "support/files.h"
+#include "support/fixtures.h"
 
 namespace logclient_test {
 namespace {

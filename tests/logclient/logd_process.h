@@ -11,7 +11,7 @@
 
 #include "logclient/logclient.h"
 #include "support/processes.h"
-#include "support/temp_dir.h"
+#include "support/fixtures.h"
 
 namespace logclient_test {
 

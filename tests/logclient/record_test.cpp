@@ -13,7 +13,7 @@
 
 #include "logclient/logclient.h"
 #include "logd_process.h"
-#include "support/files.h"
+#include "support/fixtures.h"
 
 // This program brings its own system log, so that what the library gives it
 // is kept here ("<priority> <text>", the first hundred) instead of reaching the machine's.

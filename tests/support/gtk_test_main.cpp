@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include "support/processes.h"
-#include "support/temp_dir.h"
+#include "support/fixtures.h"
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
