@@ -1,6 +1,5 @@
-// The real window in-process: as it first shows, the issue-reproduction run
-// and the collect-existing flow through its buttons with the state each step
-// paints, what both flows show when something fails, and its language.
+// The real window in-process: both flows through its buttons with the state
+// each step paints, what they show when something fails, and its language.
 #include <algorithm>
 #include <clocale>
 
@@ -51,7 +50,6 @@ TEST_F(WindowTest, RunRaisesAndGivesBackLevelsAsksBeforeOverwritingSavesAndSurvi
     ExpectVisible({app.lastLogLabel, app.ruler, app.saveButton, app.existingLogButton, app.collectExistingText}, false);
     EXPECT_EQ(LabelText(app.startStopButton), "Stop collecting logs");
     EXPECT_EQ(LabelText(app.stopText), "Click \"Stop collecting logs\" after the issue is reproduced.");
-    // What the client writes while the user reproduces the issue.
     WriteFile(Issue() / "ORBClient.log", "verbose client lines\n");
     WriteFile(Logs() / "userActivitylog.latest", "clicked connect\n");
     WriteFile(Logs() / "kvlog.latest", "sibling lines\n");
@@ -170,8 +168,7 @@ TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {
   EXPECT_EQ(app_->lastSavedText, "");
 }
 
-// The catalogues below the install root, as the gettext tool reads them apart
-// from the program's binding, give the window and its dialogs their wording.
+// Expected texts come from the gettext tool, apart from the program's binding.
 TEST_F(WindowTest, WindowAndDialogsSpeakTheRootsCatalogue) {
   fs::create_directory_symlink(NORVEX_BINARY_DIR "/nls", root_ / "nls");
   testsupport::ScopedEnv language("LANGUAGE", "de"), locale("LC_ALL", "C.UTF-8");

@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <sstream>
 
 #include "support/fixtures.h"
@@ -43,18 +42,15 @@ LogdProcess::LogdProcess(const std::filesystem::path& home) : home_(home) {
 }
 
 int LogdProcess::Stop() {
-  int status = -1;
   if (pid_ > 0) kill(pid_, SIGTERM);
-  while (pid_ > 0 && waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
-  }
+  const int code = pid_ > 0 ? testsupport::ExitCodeOf(pid_) : -1;
   pid_ = -1;
-  return status;
+  return code;
 }
 
-std::vector<std::string> LogdProcess::WaitForLines(size_t count, const std::filesystem::path& file) const {
-  const std::filesystem::path path = file.empty() ? DefaultLogFile(home_) : file;
-  testsupport::WaitUntil([&] { return FileLines(path).size() >= count; }, 10);
-  return FileLines(path);
+std::vector<std::string> LogdProcess::WaitForLines(size_t count) const {
+  testsupport::WaitUntil([&] { return FileLines(DefaultLogFile(home_)).size() >= count; }, 10);
+  return FileLines(DefaultLogFile(home_));
 }
 
 std::string LogdProcess::Errors() const { return testsupport::ReadFile(home_ / "logd.err"); }

@@ -23,10 +23,10 @@ class LogdProcess {
   LogdProcess(const LogdProcess&) = delete;
 
   bool listening() const { return listening_; }
-  // The lines of file (default: the home's client log) once it has count of them, or after 10 s.
-  std::vector<std::string> WaitForLines(size_t count, const std::filesystem::path& file = {}) const;
+  // The lines of the home's client log once it has count of them, or after 10 s.
+  std::vector<std::string> WaitForLines(size_t count) const;
   std::string Errors() const;
-  int Stop();  // SIGTERM; the raw wait status
+  int Stop();  // SIGTERM; the exit code
 
  private:
   pid_t pid_ = -1;

@@ -15,8 +15,7 @@
 #include "logd_process.h"
 #include "support/fixtures.h"
 
-// This program brings its own system log, so that what the library gives it
-// is kept here ("<priority> <text>", the first hundred) instead of reaching the machine's.
+// The system log of this program: "<priority> <text>", the first hundred, never the machine's.
 std::vector<std::string> g_systemLog;
 
 extern "C" {
@@ -43,7 +42,6 @@ void __vsyslog_chk(int priority, int, const char* format, va_list args) { vsyslo
 using logclient_test::InChildWithHome;
 using Message = std::pair<uint16_t, std::string>;  // type, body
 
-// The messages that reached the listener so far.
 std::vector<Message> Received(int listener) {
   const int connection = accept(listener, nullptr, nullptr);
   std::string bytes(1 << 16, '\0');
