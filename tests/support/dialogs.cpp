@@ -25,7 +25,7 @@ void Walk(GtkWidget* widget, const Visit& visit) {
 }
 
 // The buttons in the order shown, without their inner labels.
-DialogRecord Describe(GtkDialog* dialog) {
+DialogRecord Describe(GtkDialog* dialog, std::vector<GtkWidget*>* buttons) {
   DialogRecord record{true, gtk_window_get_title(GTK_WINDOW(dialog)) ?: "", "", "", {}};
   Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
     const char* icon = nullptr;
@@ -35,19 +35,10 @@ DialogRecord Describe(GtkDialog* dialog) {
     if (GTK_IS_LABEL(widget))
       record.message += (record.message.empty() ? "" : "\n") + std::string(gtk_label_get_text(GTK_LABEL(widget)));
     if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)))
-      record.buttons.emplace_back(gtk_button_get_label(GTK_BUTTON(widget)));
+      record.buttons.emplace_back(gtk_button_get_label(GTK_BUTTON(widget))), buttons->push_back(widget);
     return !GTK_IS_BUTTON(widget);
   });
   return record;
-}
-
-GtkWidget* ButtonLabelled(GtkDialog* dialog, const std::string& label) {
-  GtkWidget* found = nullptr;
-  Walk(gtk_dialog_get_content_area(dialog), [&](GtkWidget* widget) {
-    if (GTK_IS_BUTTON(widget) && label == (gtk_button_get_label(GTK_BUTTON(widget)) ?: "")) found = widget;
-    return !found;
-  });
-  return found;
 }
 
 }  // namespace
@@ -70,7 +61,8 @@ extern "C" gint gtk_dialog_run(GtkDialog* dialog) {
     if (folder) break;
     g_main_context_iteration(nullptr, FALSE), g_usleep(10000);
   }
-  const DialogRecord shown = Describe(dialog);
+  std::vector<GtkWidget*> buttons;
+  const DialogRecord shown = Describe(dialog, &buttons);
   const auto answer = std::ranges::find_if(pending, [&](const Answer& a) {
     return a.button.empty() || std::ranges::count(shown.buttons, a.button);
   });
@@ -79,7 +71,8 @@ extern "C" gint gtk_dialog_run(GtkDialog* dialog) {
     return GTK_RESPONSE_DELETE_EVENT;
   }
   if (answer->record) *answer->record = shown;
-  GtkWidget* button = answer->button.empty() ? nullptr : ButtonLabelled(dialog, answer->button);
+  const auto chosen = std::ranges::find(shown.buttons, answer->button);
+  GtkWidget* button = chosen == shown.buttons.end() ? nullptr : buttons[chosen - shown.buttons.begin()];
   pending.erase(answer);
   return button ? gtk_dialog_get_response_for_widget(dialog, button) : GTK_RESPONSE_DELETE_EVENT;
 }
