@@ -6,8 +6,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "support/processes.h"
 #include "support/fixtures.h"
+#include "support/processes.h"
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
@@ -26,15 +26,14 @@ int main(int argc, char** argv) {
   for (char c; read(fds[0], &c, 1) == 1 && c != '\n';) display += c;
   close(fds[0]);
   setenv("DISPLAY", display.c_str(), 1);
-  int result = 1;
-  if (gtk_init_check(nullptr, nullptr)) {
-    // Colours are read as the style gives them, not half-way through a fade.
-    g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
-    g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
-    result = RUN_ALL_TESTS();
-  } else {
+  if (!gtk_init_check(nullptr, nullptr)) {
     std::cerr << "GTK could not open " << display << '\n';
+    return 1;
   }
+  // Colours are read as the style gives them, not half-way through a fade.
+  g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
+  g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
+  const int result = RUN_ALL_TESTS();
   kill(server, SIGTERM);
   waitpid(server, nullptr, 0);
   return result;
