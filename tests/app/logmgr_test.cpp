@@ -18,8 +18,7 @@ namespace apptest {
 namespace {
 
 namespace fs = std::filesystem;
-using testsupport::ExitCodeOf;
-using testsupport::WaitUntil;
+using namespace testsupport;
 constexpr const char* kTitle = "Norvex Log Collection Utility";
 constexpr int kWaitMs = 30000;
 
@@ -47,22 +46,22 @@ class LogmgrTest : public ::testing::Test {
 
   // In this test's HOME and root.
   pid_t Start(const std::vector<std::string>& argv = {LOGMGR_PATH}, const char* output = "/dev/null") {
-    return started_.emplace_back(testsupport::StartProgram(argv, output));
+    return started_.emplace_back(StartProgram(argv, output));
   }
 
-  testsupport::TempDir home_, root_;
-  testsupport::ScopedEnv homeEnv_{"HOME", home_.str().c_str()}, rootEnv_{"ORBROOT", root_.str().c_str()};
-  testsupport::ScopedEnv criticals_{"G_DEBUG", "fatal-criticals"};
+  TempDir home_, root_;
+  ScopedEnv homeEnv_{"HOME", home_.str().c_str()}, rootEnv_{"ORBROOT", root_.str().c_str()};
+  ScopedEnv criticals_{"G_DEBUG", "fatal-criticals"};
   const std::string output_ = home_.str() + "/logmgr.out";
   Display* display_ = nullptr;
   std::vector<pid_t> started_;
 };
 
 TEST_F(LogmgrTest, WithoutAnInstallRootEndsAtOnceWithOneRootLinePerSearch) {
-  testsupport::ScopedEnv root("ORBROOT", "/nonexistent");
+  ScopedEnv root("ORBROOT", "/nonexistent");
   EXPECT_EQ(ExitCodeOf(Start({LOGMGR_PATH}, output_.c_str())), 0) << "ran on with no window";
   // One search builds the App, the other finds the message catalogue.
-  EXPECT_EQ(testsupport::ReadFile(output_), "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
+  EXPECT_EQ(ReadFile(output_), "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
 }
 
 // The dump tool is missing, so the run's start also shows that its failed
@@ -80,9 +79,9 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
 
   ASSERT_TRUE(xdrive::PressKey(display_, window, "Return"));  // start
   const auto issueLog = home_ / ".ORBClient/logs/issuereproduce/ORBClient.log";
-  EXPECT_TRUE(WaitUntil([&] { return DemoLines(testsupport::ReadFile(issueLog), " VERBOSE ") >= 5; })) << logd.Errors();
-  EXPECT_EQ("", testsupport::RunAndCapture("pgrep -x -P " + std::to_string(logmgr) + " logmgr")) << "a copy runs on";
-  const std::string output = testsupport::ReadFile(output_);
+  EXPECT_TRUE(WaitUntil([&] { return DemoLines(ReadFile(issueLog), " VERBOSE ") >= 5; })) << logd.Errors();
+  EXPECT_EQ("", RunAndCapture("pgrep -x -P " + std::to_string(logmgr) + " logmgr")) << "a copy runs on";
+  const std::string output = ReadFile(output_);
   // Written by the parent after the copy ended: it did not wait on the pipe for ever.
   EXPECT_EQ(output.find("Error executing envdump.\n"), output.rfind("Error executing envdump.\n")) << output;
   EXPECT_NE(output.find("Error executing envdump.\nError copying file: "), std::string::npos) << output;
@@ -94,7 +93,7 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
   ASSERT_TRUE(WaitUntil([&] { return !ArchiveMembers(packed).empty(); }));
   // Lines already on their way when the levels went back have arrived by now.
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
-  const std::string afterStop = testsupport::ReadFile(clientLog);
+  const std::string afterStop = ReadFile(clientLog);
 
   ASSERT_TRUE(xdrive::PressKey(display_, window, "Tab"));  // to "Save logs"
   ASSERT_TRUE(xdrive::PressKey(display_, window, "Return"));
@@ -104,7 +103,7 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
   ASSERT_TRUE(WaitUntil([&] { return fs::exists(saved) && !ArchiveMembers(saved).empty(); }));
   EXPECT_GE(DemoLines(ArchiveMember(saved, "ORBClient.log"), " VERBOSE "), 5);
   // The client log takes the client's lines again, but no VERBOSE ones.
-  const std::string now = testsupport::ReadFile(clientLog);
+  const std::string now = ReadFile(clientLog);
   EXPECT_GT(DemoLines(now), DemoLines(afterStop));
   EXPECT_EQ(DemoLines(now, " VERBOSE "), DemoLines(afterStop, " VERBOSE ")) << "VERBOSE lines after the stop";
   xdrive::RequestClose(display_, window);

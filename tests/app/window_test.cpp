@@ -12,9 +12,7 @@ namespace apptest {
 namespace {
 
 namespace fs = std::filesystem;
-using testsupport::AnswerNextDialog;
-using testsupport::DialogRecord;
-using testsupport::WriteFile;
+using namespace testsupport;
 
 bool AllClassesAt(int level) {
   for (int logClass = 0; logClass < LOG_CLASS_COUNT; ++logClass)
@@ -144,7 +142,7 @@ TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {
     EXPECT_EQ(app_->collecting, 0);
     WriteFile(Issue() / "kvlog.1", "sibling\n");
     fs::remove(bin_ / "tar");
-    testsupport::WriteScript(bin_ / "tar", "printf cut > \"$2\"\nexit 2");
+    WriteScript(bin_ / "tar", "printf cut > \"$2\"\nexit 2");
     stopRun(&failedStop);
     EXPECT_EQ(app_->collecting, 0);
     EXPECT_TRUE(Visible(app_->existingLogButton));
@@ -171,11 +169,11 @@ TEST_F(WindowTest, FailuresAreReportedAndNothingOffered) {
 // Expected texts come from the gettext tool, apart from the program's binding.
 TEST_F(WindowTest, WindowAndDialogsSpeakTheRootsCatalogue) {
   fs::create_directory_symlink(NORVEX_BINARY_DIR "/nls", root_ / "nls");
-  testsupport::ScopedEnv language("LANGUAGE", "de"), locale("LC_ALL", "C.UTF-8");
+  ScopedEnv language("LANGUAGE", "de"), locale("LC_ALL", "C.UTF-8");
   const std::string formerLocale = setlocale(LC_ALL, nullptr);
   BindMessageCatalogue(app_->installRoot.string());
   const auto german = [&](const std::string& text) {
-    return testsupport::RunAndCapture("TEXTDOMAINDIR=" + root_.str() + "/nls /usr/bin/gettext appshelf '" + text + "'");
+    return RunAndCapture("TEXTDOMAINDIR=" + root_.str() + "/nls /usr/bin/gettext appshelf '" + text + "'");
   };
   const std::string title = "Norvex Log Collection Utility";
   DialogRecord question, chooser;

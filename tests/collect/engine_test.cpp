@@ -14,8 +14,7 @@
 #include "support/fixtures.h"
 
 namespace fs = std::filesystem;
-using testsupport::ReadFile;
-using testsupport::WriteFile;
+using namespace testsupport;
 
 class Engine : public testing::Test {
  protected:
@@ -23,10 +22,10 @@ class Engine : public testing::Test {
     app_.systemClientLog = scratch_ / "system.log";
     fs::create_directories(app_.issueFolder);
   }
-  testsupport::TempDir scratch_;
+  TempDir scratch_;
   fs::path home_ = scratch_ / "home", root_ = scratch_ / "root";
-  bool rootMade_ = (testsupport::MakeFakeInstallRoot(root_), true);  // before App looks for it
-  testsupport::ScopedEnv homeEnv_{"HOME", home_.c_str()}, rootEnv_{"ORBROOT", root_.c_str()};
+  bool rootMade_ = (MakeFakeInstallRoot(root_), true);  // before App looks for it
+  ScopedEnv homeEnv_{"HOME", home_.c_str()}, rootEnv_{"ORBROOT", root_.c_str()};
   App app_;
 };
 
@@ -86,7 +85,7 @@ TEST_F(Engine, ListingTakesTheWholeActivityFamilyFirstAndSplitsAtLineFeedsOnly) 
   ASSERT_EQ(list.size(), 6u);
   std::sort(list.begin() + 2, list.end());
   EXPECT_EQ(list, (App::FileList{"/listed/before", logs + "userActivityTrace", "lines", issue + "kvlog.cr\r",
-                                  issue + "kvlog.two", logs + "kvlog.2"}));
+                                 issue + "kvlog.two", logs + "kvlog.2"}));
 }
 
 TEST(ArchiveTime, ReadsOnTheTwelveHourClockWithoutAmPm) {
@@ -98,9 +97,8 @@ TEST(ArchiveTime, ReadsOnTheTwelveHourClockWithoutAmPm) {
 TEST_F(Engine, SystemReportListsTheWatchedProcessesThatRunInOrder) {
   WriteFile(root_ / ("pkginf/Ver.core." + PlatformFolderName()), "VERSION=23.9.0.1\n");
   // A pgrep of our own, so that what runs on the machine does not matter.
-  testsupport::WriteScript(scratch_ / "bin/pgrep",
-                           "case $1 in SvcLedger) echo 42;; KeywardDaemon) echo 7; echo 8;; esac");
-  testsupport::ScopedEnv path("PATH", (scratch_.str() + "/bin:" + getenv("PATH")).c_str());
+  WriteScript(scratch_ / "bin/pgrep", "case $1 in SvcLedger) echo 42;; KeywardDaemon) echo 7; echo 8;; esac");
+  ScopedEnv path("PATH", (scratch_.str() + "/bin:" + getenv("PATH")).c_str());
   utsname names{};
   uname(&names);
   app_.WriteUserSystemInfo(app_.issueSystemInfo);

@@ -20,10 +20,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using logclient_test::ConnectTo;
-using logclient_test::InChildWithHome;
-using logclient_test::ListenAt;
-using logclient_test::SocketPathFor;
+using namespace logclient_test;
 
 TEST(LinkRace, RacingInitsConnectOnce) {
   InChildWithHome([](const std::string& home) {
@@ -139,9 +136,9 @@ void SendBadClients(const std::string& socketPath) {
 
 // Following the area's log path while clients write is proven end to end with logmgr.
 TEST(LogdLoad, EveryRecordOfTwoProcessesArrivesWholeOnceAndBadClientsAreDropped) {
-  if (log_system_wide_mode()) GTEST_SKIP() << logclient_test::kSystemWideHere;
+  if (log_system_wide_mode()) GTEST_SKIP() << kSystemWideHere;
   testsupport::TempDir home;
-  logclient_test::LogdProcess logd(home.path());
+  LogdProcess logd(home.path());
   ASSERT_TRUE(logd.listening());
   const std::string socketPath = SocketPathFor(home.str());
   std::vector<pid_t> writers;

@@ -9,7 +9,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <functional>
@@ -18,21 +17,6 @@
 #include <vector>
 
 namespace testsupport {
-
-// 0, or 1 when an expectation failed in the child; -1 on a crash.
-inline int RunForked(const std::function<void()>& body) {
-  fflush(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    body();
-    fflush(nullptr);
-    _exit(testing::Test::HasFailure() ? 1 : 0);
-  }
-  int status = 0;
-  while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  return child > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 // Starts argv (its program looked up on PATH) with output and errors appended
 // to output; it gets SIGTERM when the test process ends, even by a crash.
@@ -63,6 +47,18 @@ inline int ExitCodeOf(pid_t pid, int seconds = 30) {
   int status = 0;
   const bool ended = WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; }, seconds);
   return ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// 0, or 1 when an expectation failed in the child; -1 on a crash.
+inline int RunForked(const std::function<void()>& body) {
+  fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    body();
+    fflush(nullptr);
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  return child > 0 ? ExitCodeOf(child, 600) : -1;
 }
 
 }  // namespace testsupport
