@@ -9,9 +9,8 @@
 #include "support/fixtures.h"
 
 using logclient_test::InChildWithHome;
+using testsupport::Bytes;
 using testsupport::ReadFile;
-
-std::string Word(int32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }
 
 TEST(ConfigArea, AFreshOrForeignFileGetsTheDefaultImageAndTheMaskIsLeftAt022) {
   for (bool foreign : {false, true}) InChildWithHome([&](const std::string& home) {
@@ -23,9 +22,9 @@ TEST(ConfigArea, AFreshOrForeignFileGetsTheDefaultImageAndTheMaskIsLeftAt022) {
     EXPECT_EQ(log_config_file_path(), file);
     struct stat info {};
     EXPECT_TRUE(stat(file.c_str(), &info) == 0 && (info.st_mode & 0777) == 0666);
-    EXPECT_EQ(ReadFile(file), Word(0x167F) + Word(4) + std::string(59 * 4, '\0') + logFile +
-                                  std::string(256 - logFile.size(), '\0') + Word(200) + Word(2) + Word(200) +
-                                  Word(0x12345678));
+    EXPECT_EQ(ReadFile(file), Bytes(0x167F) + Bytes(4) + std::string(59 * 4, '\0') + logFile +
+                                  std::string(256 - logFile.size(), '\0') + Bytes(200) + Bytes(2) + Bytes(200) +
+                                  Bytes(0x12345678));
   });
 }
 
@@ -40,7 +39,7 @@ TEST(ConfigArea, SettersKeepTheirRangesAndLevelsResolveUpTheParents) {
     const std::string longPath(256, 'p');
     ASSERT_EQ(log_set_shared_path(longPath.c_str()), 1);
     EXPECT_EQ(ReadFile(home + "/.ORBClient/.nvxndclogconf").substr(244, 268),
-              longPath + Word(2000) + Word(2) + Word(0)) << "no terminator; tuning words in their places";
+              longPath + Bytes(2000) + Bytes(2) + Bytes(0)) << "no terminator; tuning words in their places";
     ASSERT_EQ(log_set_shared_path("/short"), 1);
     EXPECT_EQ(std::string(log_get_shared_path(), 256), "/short" + std::string(250, '\0'));
     EXPECT_EQ(log_get_effective_level(12), LOG_LEVEL_ERROR);  // 12 -> 22 -> 43 -> 0

@@ -64,6 +64,9 @@ inline void WriteScript(const std::filesystem::path& file, const std::string& bo
   WriteFile(file, "#!/bin/sh\n" + body + "\n", mode);
 }
 
+// A 32-bit value's bytes as this machine stores them.
+inline std::string Bytes(int32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }
+
 // The whole file; empty when it cannot be read.
 inline std::string ReadFile(const std::filesystem::path& file) {
   std::ostringstream text;
