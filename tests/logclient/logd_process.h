@@ -2,31 +2,59 @@
 // What the logging-client tests share: logd run as a child for a home folder,
 // both ends of the link as logd offers them, a child with a home of its own.
 #include <gtest/gtest.h>
-#include <sys/types.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "logclient/logclient.h"
-#include "support/processes.h"
 #include "support/fixtures.h"
+#include "support/processes.h"
 
 namespace logclient_test {
+
+inline std::string SocketPathFor(const std::string& home) { return home + "//.ORBClient/.nvxndclogsocket"; }
+inline std::filesystem::path DefaultLogFile(const std::filesystem::path& home) {
+  return home / ".ORBClient/logs/ORBClient.log";
+}
 
 class LogdProcess {
  public:
   // Waits until the socket exists; its output and errors go to logd.err in home.
-  explicit LogdProcess(const std::filesystem::path& home);
+  explicit LogdProcess(const std::filesystem::path& home) : home_(home) {
+    std::filesystem::create_directories(home);
+    testsupport::ScopedEnv homeEnv("HOME", home.c_str());
+    pid_ = testsupport::StartProgram({LOGD_PATH}, (home / "logd.err").c_str());
+    listening_ = testsupport::WaitUntil([&] { return std::filesystem::exists(SocketPathFor(home.string())); }, 10);
+  }
   ~LogdProcess() { Stop(); }
   LogdProcess(const LogdProcess&) = delete;
 
   bool listening() const { return listening_; }
+  std::string Errors() const { return testsupport::ReadFile(home_ / "logd.err"); }
   // The lines of the home's client log once it has count of them, or after 10 s.
-  std::vector<std::string> WaitForLines(size_t count) const;
-  std::string Errors() const;
-  int Stop();  // SIGTERM; the exit code
+  std::vector<std::string> WaitForLines(size_t count) const {
+    std::vector<std::string> lines;
+    testsupport::WaitUntil([&] {
+      std::istringstream text(testsupport::ReadFile(DefaultLogFile(home_)));
+      lines.clear();
+      for (std::string line; std::getline(text, line);) lines.push_back(line);
+      return lines.size() >= count;
+    }, 10);
+    return lines;
+  }
+  int Stop() {  // SIGTERM; the exit code
+    if (pid_ > 0) kill(pid_, SIGTERM);
+    const int code = pid_ > 0 ? testsupport::ExitCodeOf(pid_) : -1;
+    pid_ = -1;
+    return code;
+  }
 
  private:
   pid_t pid_ = -1;
@@ -34,13 +62,34 @@ class LogdProcess {
   std::filesystem::path home_;
 };
 
-std::string SocketPathFor(const std::string& home);
-std::filesystem::path DefaultLogFile(const std::filesystem::path& home);
+inline sockaddr_un AddressOf(const std::string& path) {
+  sockaddr_un address{AF_UNIX, {}};
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  return address;
+}
 
 // With holdConnects one connection of our own fills the backlog, so the next
 // connect waits until we accept.
-int ListenAt(const std::string& path, bool holdConnects = false);
-int ConnectTo(const std::string& path);  // -1 when nobody listens
+inline int ListenAt(const std::string& path, bool holdConnects = false) {
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  const sockaddr_un address = AddressOf(path);
+  const auto* raw = reinterpret_cast<const sockaddr*>(&address);
+  const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  unlink(path.c_str());
+  bind(listener, raw, sizeof address);
+  listen(listener, 0);
+  if (holdConnects) connect(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), raw, sizeof address);
+  return listener;
+}
+
+// -1 when nobody listens; a logd that keeps a client it should drop fails a read, not hangs it.
+inline int ConnectTo(const std::string& path) {
+  const sockaddr_un address = AddressOf(path);
+  const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const timeval patience{5, 0};
+  setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  return connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
+}
 
 inline constexpr const char* kSystemWideHere = "the client runs system-wide here: area and socket are /var/log/norvex's";
 
