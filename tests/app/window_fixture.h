@@ -10,14 +10,28 @@
 #include <string>
 
 #include "app/app.h"
+#include "logclient/logd_process.h"
 #include "support/dialogs.h"
+#include "support/fake_root.h"
 #include "support/fixtures.h"
 
 namespace apptest {
 
-// With the window assets of the source tree, a configuration and quick diagnostics tools.
-void MakeWindowInstallRoot(const std::filesystem::path& root);
 inline constexpr const char* kKeywardConfigText = "<KeywardConfig server=\"support-lab\"/>\n";
+
+// With the window assets of the source tree, a configuration and quick diagnostics tools.
+inline void MakeWindowInstallRoot(const std::filesystem::path& root) {
+  testsupport::MakeFakeInstallRoot(root);
+  const std::filesystem::path source(NORVEX_SOURCE_DIR);
+  std::filesystem::create_directory_symlink(source / "gtk", root / "gtk");
+  std::filesystem::create_directory_symlink(source / "icons", root / "icons");
+  testsupport::WriteFile(root / "config/KeywardConfig.xml", kKeywardConfigText);
+  // The dump tool prints where it wrote its dump, as the client's tool does.
+  testsupport::WriteScript(root / "util/envdump",
+                           "out=\"$(dirname \"$0\")/envdump.out\"\necho \"PATH=$PATH\" > \"$out\"\necho \"$out\"");
+  testsupport::WriteScript(root / "util/desklinecheck.sh", "echo \"client check: all services answer\"");
+}
+
 // Member names of a .tar.gz, sorted, one a line; and the content of one member.
 inline std::string ArchiveMembers(const std::filesystem::path& archive) {
   return testsupport::RunAndCapture("tar -tzf '" + archive.string() + "' 2>/dev/null | LC_ALL=C /usr/bin/sort");
@@ -28,13 +42,45 @@ inline std::string ArchiveMember(const std::filesystem::path& archive, const std
 
 class WindowTest : public ::testing::Test {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  void SetUp() override {
+    // The area and the socket stay: the logging client keeps them for the process.
+    std::filesystem::remove_all(Logs());
+    std::filesystem::remove(Marker());
+    std::filesystem::create_directories(Logs());
+    MakeWindowInstallRoot(root_.path());
+    testsupport::LinkSystemTools(bin_, {"sh", "cp", "mkdir", "rm", "find", "tar", "gzip", "dirname", "pgrep",
+                                        "uname", "cut", "cat", "which"});
+    app_ = std::make_unique<App>();
+    gApp = app_.get();
+  }
+  void TearDown() override {
+    testsupport::ForgetPendingAnswers();
+    // Closing destroyed the window; the builder holds the rest.
+    if (app_->builder) g_object_unref(app_->builder);
+    gApp = nullptr;
+  }
+
   // App::Run with body called from inside the running loop; then the window
   // is closed as a user closes it, which must end the loop.
-  void RunWindow(const std::function<void(GtkWidget* window)>& body);
+  void RunWindow(const std::function<void(GtkWidget* window)>& body) {
+    std::function<void()> inLoop = [this, &body] {
+      GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(app_->builder, "logging"));
+      body(window);
+      gtk_window_close(GTK_WINDOW(window));
+    };
+    g_idle_add([](gpointer run) { return (*static_cast<std::function<void()>*>(run))(), G_SOURCE_REMOVE; }, &inLoop);
+    app_->Run();
+  }
 
-  static const std::filesystem::path& Home();
+  // The logging client keeps the first HOME it sees for the life of the
+  // process, so all window tests share one, and a logd of their own.
+  static const std::filesystem::path& Home() {
+    static testsupport::TempDir home;
+    static const logclient_test::LogdProcess logd(home.path());
+    EXPECT_TRUE(logd.listening()) << logd.Errors();
+    setenv("HOME", home.c_str(), 1);
+    return home.path();
+  }
   std::filesystem::path Logs() const { return Home() / ".ORBClient/logs"; }
   std::filesystem::path Issue() const { return Logs() / "issuereproduce"; }
   std::filesystem::path Marker() const { return Home() / ".ORBClient/.kvlogEnabled"; }
