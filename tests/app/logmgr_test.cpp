@@ -1,6 +1,5 @@
-// The real logmgr binary under the test display, driven from outside: with
-// logd and the demo client logging through it, and on machines support sees
-// (no client at all, a client whose dump tool is missing).
+// The real logmgr, driven from outside with logd and the demo client, on
+// machines support sees: no client at all, a client without its dump tool.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -44,7 +43,6 @@ class LogmgrTest : public ::testing::Test {
     if (display_) XCloseDisplay(display_);
   }
 
-  // In this test's HOME and root.
   pid_t Start(const std::vector<std::string>& argv = {LOGMGR_PATH}, const char* output = "/dev/null") {
     return started_.emplace_back(StartProgram(argv, output));
   }
@@ -64,8 +62,7 @@ TEST_F(LogmgrTest, WithoutAnInstallRootEndsAtOnceWithOneRootLinePerSearch) {
   EXPECT_EQ(ReadFile(output_), "No valid ORBROOT directory found\nNo valid ORBROOT directory found\n");
 }
 
-// The dump tool is missing, so the run's start also shows that its failed
-// start ends the forked copy and the flow goes on.
+// Without the dump tool, the run's start shows that its forked copy ends and the flow goes on.
 TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem) {
   fs::remove(root_ / "util/envdump");
   logclient_test::LogdProcess logd(home_.path());

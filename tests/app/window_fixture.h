@@ -1,6 +1,5 @@
 #pragma once
-// The real main window run in-process against a temporary install root and a
-// PATH of the tools the flows use (no opener); what the logmgr runs share.
+// The real window in-process, on a scratch install root and a PATH without an opener.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -60,8 +59,7 @@ class WindowTest : public ::testing::Test {
     gApp = nullptr;
   }
 
-  // App::Run with body called from inside the running loop; then the window
-  // is closed as a user closes it, which must end the loop.
+  // App::Run with body called inside its loop, then the window closed as a user does: that must end it.
   void RunWindow(const std::function<void(GtkWidget* window)>& body) {
     std::function<void()> inLoop = [this, &body] {
       GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(app_->builder, "logging"));
@@ -72,8 +70,7 @@ class WindowTest : public ::testing::Test {
     app_->Run();
   }
 
-  // The logging client keeps the first HOME it sees for the life of the
-  // process, so all window tests share one, and a logd of their own.
+  // The logging client keeps its first HOME for the process: all window tests share one, with a logd.
   static const std::filesystem::path& Home() {
     static testsupport::TempDir home;
     static const logclient_test::LogdProcess logd(home.path());

@@ -65,8 +65,7 @@ TEST_F(WindowTest, RunRaisesAndGivesBackLevelsAsksBeforeOverwritingSavesAndSurvi
     const std::string lastSaved = LabelText(app.lastLogLabel);
     EXPECT_TRUE(lastSaved.starts_with("Last saved log:  ") && lastSaved[17] != ' ') << lastSaved;
 
-    // Logs of the last run are staged: any answer but "Continue" (closing the
-    // question counts too) leaves the run unstarted and the levels where they are.
+    // Staged logs: any answer but "Continue", closing too, leaves the run unstarted and the levels as they are.
     for (const char* answer : {"Close", ""}) {
       AnswerNextDialog(answer, &question);
       Click(app.startStopButton);

@@ -1,5 +1,4 @@
-// Prints the install root that a program running from its own folder finds:
-// the tests copy it into the folder they want to run it from.
+// Prints the install root it finds; tests copy it into the folder to run it from.
 #include <cstdio>
 
 #include "host/install_root.h"

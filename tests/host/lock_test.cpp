@@ -1,5 +1,4 @@
-// One copy of the utility per user: what the lock file records and when a
-// recorded owner still counts.
+// One copy per user: what the lock file records and when its owner still counts.
 #include "host/lock.h"
 
 #include <gtest/gtest.h>

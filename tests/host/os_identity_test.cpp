@@ -1,5 +1,4 @@
-// The operating-system token: vendor texts as parsed, and the source chain
-// run against fake commands on a private PATH.
+// The operating-system token: vendor texts, and the chain of fake commands on a private PATH.
 #include "host/os_identity.h"
 
 #include <gtest/gtest.h>

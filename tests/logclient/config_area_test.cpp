@@ -1,6 +1,5 @@
-// The shared configuration area: the file's bytes, the setters' ranges and
-// the level walk. The library maps one area per process, so every case runs
-// in a forked child under a HOME of its own.
+// The shared configuration area: the file's bytes, the setters' ranges and the
+// level walk, each case in a child of its own since the library maps one area.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 

@@ -68,8 +68,7 @@ inline sockaddr_un AddressOf(const std::string& path) {
   return address;
 }
 
-// With holdConnects one connection of our own fills the backlog, so the next
-// connect waits until we accept.
+// With holdConnects our own connection fills the backlog: the next connect waits for an accept.
 inline int ListenAt(const std::string& path, bool holdConnects = false) {
   std::filesystem::create_directories(std::filesystem::path(path).parent_path());
   const sockaddr_un address = AddressOf(path);

@@ -55,8 +55,7 @@ std::vector<Message> Received(int listener) {
   return messages;
 }
 
-// The writer formats the common conversions itself (a message with any other
-// goes to the C library whole) and must agree with printf.
+// The writer formats the common conversions itself and must agree with printf.
 #define FORMAT_CASES(WRITE)                                                                                   \
   WRITE("%d %i %u %ld %lld %lu %zu %zd", -42, INT_MIN, 4000000000u, LONG_MIN, LLONG_MIN, ULONG_MAX, size_t{7}, \
         ssize_t{-5});                                                                                         \

@@ -14,8 +14,7 @@ struct Answer {
 };
 std::list<Answer> pending;
 
-// Visits widget and everything below it, depth first; visit returns false
-// to stay out of a widget's children.
+// Depth first; visit returns false to stay out of a widget's children.
 template <typename Visit>
 void Walk(GtkWidget* widget, const Visit& visit) {
   if (!visit(widget) || !GTK_IS_CONTAINER(widget)) return;
@@ -51,8 +50,7 @@ void ForgetPendingAnswers() { pending.clear(); }
 
 using namespace testsupport;
 
-// Replaces GTK's own modal run for the program under test: the dialog is shown,
-// given the first waiting answer it has a button for, and never blocks a case.
+// Replaces GTK's modal run for the program under test, so that no dialog blocks a case.
 extern "C" gint gtk_dialog_run(GtkDialog* dialog) {
   gtk_widget_show(GTK_WIDGET(dialog));
   // A file chooser learns its folder asynchronously and ignores an answer given before that.

@@ -1,6 +1,5 @@
 #pragma once
-// Answers the modal dialogs that code under test runs: the test binary's own
-// gtk_dialog_run shows each and answers it at once from the waiting answers.
+// Answers the dialogs the code under test runs, at once, from the answers waiting.
 #include <gtk/gtk.h>
 
 #include <string>

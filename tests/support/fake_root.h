@@ -1,7 +1,6 @@
 #pragma once
-// A client install root that passes the install-root test: the four client
-// executables, nothing else; callers add what they need. Plain C++ only, so
-// that fuzz targets and benchmarks build it too.
+// A client install root with the four client executables only; callers add what
+// they need. Plain C++, so that fuzz targets and benchmarks build it too.
 #include <filesystem>
 #include <fstream>
 

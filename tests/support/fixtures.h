@@ -1,7 +1,6 @@
 #pragma once
-// What test fixtures are built from: a scratch folder removed with everything
-// in it at scope end, an environment variable set (or with nullptr unset) for a
-// scope, files and scripts, and commands.
+// What fixtures are built from: a scratch folder and an environment variable
+// (nullptr unsets it) for a scope, files, scripts and commands.
 #include <stdlib.h>
 #include <sys/stat.h>
 

@@ -1,5 +1,4 @@
-// Entry of every GTK test executable: a private Xvfb display, user folders of
-// its own, GLib warnings and criticals fatal, then the cases.
+// GTK test entry: a private Xvfb display and user folders, GLib warnings fatal.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 #include <signal.h>

@@ -1,7 +1,6 @@
 #pragma once
-// Child processes of a test: a body run forked, so that what it changes in the
-// process (environment, umask, a library's per-process state) stays there, and
-// waits that give up instead of hanging the run.
+// Child processes of a test, and waits that give up instead of hanging the run.
+// A forked body keeps what it changes (environment, umask, per-process state) to itself.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
