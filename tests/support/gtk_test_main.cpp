@@ -14,7 +14,9 @@ int main(int argc, char** argv) {
   // GLib fixes these at first use; the file chooser's recent files and caches land here.
   testsupport::TempDir dirs;
   for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) setenv(name, dirs.str().c_str(), 1);
-  setenv("GDK_BACKEND", "x11", 1);
+  // No session bus or settings daemon here: neither is looked for.
+  for (auto [name, value] : {std::pair{"GDK_BACKEND", "x11"}, {"GSETTINGS_BACKEND", "memory"}, {"NO_AT_BRIDGE", "1"}})
+    setenv(name, value, 1);
   int fds[2];
   if (pipe(fds) != 0) return 1;
   const pid_t server = testsupport::StartProgram(
