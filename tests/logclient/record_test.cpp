@@ -6,6 +6,7 @@
 
 #include <syslog.h>
 
+#include <chrono>
 #include <climits>
 #include <cstdarg>
 #include <cstring>
@@ -65,11 +66,13 @@ std::vector<Message> Received(int listener) {
 TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
   InChildWithHome([](const std::string& home) {
     const int listener = logclient_test::ListenAt(logclient_test::SocketPathFor(home));
-    const uint32_t before = static_cast<uint32_t>(time(nullptr));
+    // The fine clock, as records carry it: time() may lag it by a tick.
+    const auto now = [] { return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()); };
+    const uint32_t before = now();
     program_invocation_short_name = const_cast<char*>("a_program_name_longer_than_the_field");
     prctl(PR_SET_NAME, "worker-7");
     log_client_init();
-    log_write_class(12, LOG_LEVEL_FATAL, "test", "layout", 1, "tid %d", gettid());
+    log_write_class(12, LOG_LEVEL_FATAL, "test", "layout", 1, "tid %d", gettid() & 0xFFFF);
     log_clear_flags(LOG_FLAG_THREAD_NAME);
     log_write_class(3, LOG_LEVEL_AOL, "test", "cut", 0, "%s", std::string(9000, 'x').c_str());
 #define WRITE(...) log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, __VA_ARGS__)
@@ -93,8 +96,8 @@ TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
     uint16_t tid;
     uint32_t seconds, micros;
     memcpy(&tid, &first[4], 2), memcpy(&seconds, &first[6], 4), memcpy(&micros, &first[10], 4);
-    EXPECT_TRUE(seconds >= before && seconds <= time(nullptr) && micros < 1000000u);
-    texts[0] += std::to_string(tid);  // the child's id, small enough for 16 bits
+    EXPECT_TRUE(seconds >= before && seconds <= now() && micros < 1000000u);
+    texts[0] += std::to_string(tid);  // the low 16 bits of the thread id
     for (size_t i = 0; i < texts.size(); ++i)
       EXPECT_EQ(messages[i + 1], Message(1, messages[i + 1].second.substr(0, 14) + texts[i] + '\0'));
     EXPECT_EQ(messages.back().second.substr(2, 2), std::string(2, '\0')) << "unclassed records carry class 0";
