@@ -53,7 +53,7 @@ using namespace testsupport;
 // Replaces GTK's modal run for the program under test, so that no dialog blocks a case.
 extern "C" gint gtk_dialog_run(GtkDialog* dialog) {
   gtk_widget_show(GTK_WIDGET(dialog));
-  // A file chooser learns its folder asynchronously and ignores an answer given before that.
+  // A file chooser knows the chosen file only once it has loaded its folder, which it does in the loop.
   for (int spins = 0; GTK_IS_FILE_CHOOSER(dialog) && spins < 1000; ++spins) {
     g_autofree gchar* folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(dialog));
     if (folder) break;
