@@ -7,27 +7,16 @@
 #include <stdlib.h>
 #include <sys/prctl.h>
 
-#include <filesystem>
-#include <string>
+#include "tests/support/fixtures.h"
 
 class ScratchClientProcess {
  public:
-  ScratchClientProcess(const char* tag, const char* threadName) {
-    std::string pattern = "/tmp/" + std::string(tag) + "-XXXXXX";
-    if (mkdtemp(pattern.data()) != nullptr) home_ = pattern;
+  ScratchClientProcess(const char* tag, const char* threadName) : home_(tag) {
     setenv("HOME", home_.c_str(), 1);
     signal(SIGPIPE, SIG_IGN);
     prctl(PR_SET_NAME, threadName);
   }
-  ~ScratchClientProcess() {
-    std::error_code ignored;
-    if (!home_.empty()) std::filesystem::remove_all(home_, ignored);
-  }
-  ScratchClientProcess(const ScratchClientProcess&) = delete;
-  ScratchClientProcess& operator=(const ScratchClientProcess&) = delete;
-
-  bool ready() const { return !home_.empty(); }
 
  private:
-  std::string home_;
+  testsupport::TempDir home_;
 };

@@ -14,6 +14,7 @@
 #include "app/app.h"
 #include "pairs.h"
 #include "tests/support/fake_root.h"
+#include "tests/support/fixtures.h"
 
 extern char** environ;
 
@@ -25,8 +26,11 @@ constexpr int kListedFiles = 10000;
 constexpr int kArchivedFiles = 20;
 constexpr size_t kArchivedFileBytes = 10u << 20;  // 20 x 10 MB of log text
 
+// Removed when the program ends.
 struct Scratch {
-  fs::path top, home, root, listing, logs, archive;
+  testsupport::TempDir top{"collect-bench"};
+  fs::path home = top / "home", root = top / "root", listing = top / "listing", logs = top / "logs",
+           archive = top / "out.tar.gz";
 };
 
 Scratch& Data() {
@@ -61,14 +65,6 @@ void WriteLogText(const fs::path& file, unsigned seed) {
 
 void PrepareData() {
   Scratch& d = Data();
-  std::string pattern = (fs::temp_directory_path() / "norvex-bench-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) std::abort();
-  d.top = pattern;
-  d.home = d.top / "home";
-  d.root = d.top / "root";
-  d.listing = d.top / "listing";
-  d.logs = d.top / "logs";
-  d.archive = d.top / "out.tar.gz";
   fs::create_directories(d.home);
   // Enough of a client install for the install-root search to stop here.
   testsupport::MakeFakeInstallRoot(d.root);
@@ -147,7 +143,5 @@ int main(int argc, char** argv) {
   const bool ran = RunPairs("find_files", "BM_BareFind", "BM_FindFiles", 11) &&
                    RunPairs("create_archive", "BM_BareTar", "BM_CreateArchive", 7);
   benchmark::Shutdown();
-  std::error_code ignored;
-  fs::remove_all(Data().top, ignored);
   return ran ? 0 : 1;
 }

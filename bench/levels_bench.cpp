@@ -15,6 +15,7 @@
 #include "app/app.h"
 #include "logclient/logclient.h"
 #include "pairs.h"
+#include "tests/support/fixtures.h"
 
 namespace {
 
@@ -48,14 +49,6 @@ void BM_SixtyMappedStores(benchmark::State& state) {
 BENCHMARK(BM_SetAllLogLevels)->MinTime(0.1);
 BENCHMARK(BM_SixtyMappedStores)->MinTime(0.1);
 
-// A scratch HOME (and no install-root search noise) for the area file.
-std::string PrepareHome() {
-  char home[] = "/tmp/levels-bench-XXXXXX";
-  if (mkdtemp(home) == nullptr) std::abort();
-  setenv("HOME", home, 1);
-  return home;
-}
-
 int32_t* MapLevels(const char* areaFile) {
   int fd = open(areaFile, O_RDWR);
   void* area = fd < 0 ? MAP_FAILED : mmap(nullptr, 516, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
@@ -66,7 +59,9 @@ int32_t* MapLevels(const char* areaFile) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string home = PrepareHome();
+  // A scratch HOME for the area file, removed at the end.
+  const testsupport::TempDir home("levels-bench");
+  setenv("HOME", home.c_str(), 1);
   if (log_config_open() != 1 || (g_levels = MapLevels(log_config_file_path())) == nullptr) {
     fprintf(stderr, "levels_bench: no configuration area below %s\n", home.c_str());
     return 1;
@@ -75,7 +70,5 @@ int main(int argc, char** argv) {
   const bool ran = RunPairs("set_all_levels", "BM_SixtyMappedStores", "BM_SetAllLogLevels", 15);
   benchmark::Shutdown();
   log_client_shutdown();
-  std::error_code ignored;
-  std::filesystem::remove_all(home, ignored);
   return ran ? 0 : 1;
 }

@@ -96,7 +96,6 @@ pid_t StartLogd() {
 
 int main(int argc, char** argv) {
   const ScratchClientProcess process("logd-bench", kThreadName);
-  if (!process.ready()) return 1;
 
   const pid_t logd = StartLogd();
   if (log_client_init() != 1) return 1;

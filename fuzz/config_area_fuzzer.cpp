@@ -137,7 +137,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   log_client_shutdown();
   FUZZ_CHECK(log_get_class_level(0) == -1 && log_get_shared_path() == nullptr);
   // The setters wrote through the shared mapping into the file.
-  const std::string after = fuzzsupport::ReadBytes(g_areaFile);
+  const std::string after = testsupport::ReadFile(g_areaFile);
   FUZZ_CHECK(after.size() == kAreaSize && static_cast<int32_t>(WordAt(after, 4 + 4 * 59)) == level59);
   return 0;
 }

@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string before(reinterpret_cast<const char*>(data), size);
   fuzzsupport::WriteBytes(g_lockFile, data, size);
   const bool refused = EnsureSingleInstance("logmgr");
-  const std::string after = fuzzsupport::ReadBytes(g_lockFile);
+  const std::string after = testsupport::ReadFile(g_lockFile);
   FUZZ_CHECK(refused == RunsThisProgram(StoredId(before)));
   if (refused) {
     FUZZ_CHECK(after == before);

@@ -17,6 +17,7 @@
 #include "pairs.h"
 
 #include "tests/support/fake_root.h"
+#include "tests/support/fixtures.h"
 
 namespace fs = std::filesystem;
 
@@ -35,12 +36,6 @@ long long MonotonicNs() {
 
 // A client install root that logmgr accepts, with the window description,
 // style sheet and images of the source tree.
-void MakeInstallRoot(const fs::path& root) {
-  testsupport::MakeFakeInstallRoot(root);
-  fs::create_directory_symlink(fs::path(NORVEX_SOURCE_DIR) / "gtk", root / "gtk");
-  fs::create_directory_symlink(fs::path(NORVEX_SOURCE_DIR) / "icons", root / "icons");
-}
-
 // One start of program with the shim; the frame it noted, or nothing.
 Frame RunOnce(const char* program, const fs::path& frameFile) {
   fs::remove(frameFile);
@@ -72,14 +67,13 @@ Frame RunOnce(const char* program, const fs::path& frameFile) {
 
 int main(int argc, char** argv) {
   const int pairs = argc > 1 ? atoi(argv[1]) : 11;
-  char scratch[] = "/tmp/first-frame-XXXXXX";
-  if (mkdtemp(scratch) == nullptr || getenv("DISPLAY") == nullptr) {
-    fprintf(stderr, "first_frame_bench: needs a scratch folder and a DISPLAY\n");
+  if (getenv("DISPLAY") == nullptr) {
+    fprintf(stderr, "first_frame_bench: needs a DISPLAY\n");
     return 1;
   }
-  const fs::path top(scratch);
+  const testsupport::TempDir top("first-frame");
   fs::create_directories(top / "home");
-  MakeInstallRoot(top / "root");
+  testsupport::MakeFakeInstallRoot(top / "root", NORVEX_SOURCE_DIR);
   setenv("HOME", (top / "home").c_str(), 1);
   setenv("ORBROOT", (top / "root").c_str(), 1);
   setenv("NO_AT_BRIDGE", "1", 1);
@@ -96,6 +90,5 @@ int main(int argc, char** argv) {
     PrintPair("first_frame_ms", floor.milliseconds, subject.milliseconds);
     PrintPair("first_frame_hwm_kb", static_cast<double>(floor.peakKb), static_cast<double>(subject.peakKb));
   }
-  fs::remove_all(top);
   return 0;
 }

@@ -20,10 +20,7 @@ inline constexpr const char* kKeywardConfigText = "<KeywardConfig server=\"suppo
 
 // With the window assets of the source tree, a configuration and quick diagnostics tools.
 inline void MakeWindowInstallRoot(const std::filesystem::path& root) {
-  testsupport::MakeFakeInstallRoot(root);
-  const std::filesystem::path source(NORVEX_SOURCE_DIR);
-  std::filesystem::create_directory_symlink(source / "gtk", root / "gtk");
-  std::filesystem::create_directory_symlink(source / "icons", root / "icons");
+  testsupport::MakeFakeInstallRoot(root, NORVEX_SOURCE_DIR);
   testsupport::WriteFile(root / "config/KeywardConfig.xml", kKeywardConfigText);
   // The dump tool prints where it wrote its dump, as the client's tool does.
   testsupport::WriteScript(root / "util/envdump",

@@ -1,6 +1,7 @@
 #pragma once
 // What fixtures are built from: a scratch folder and an environment variable
-// (nullptr unsets it) for a scope, files, scripts and commands.
+// (nullptr unsets it) for a scope, files, scripts and commands. Plain C++, for
+// benchmarks and fuzz targets too.
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -16,8 +17,8 @@ namespace testsupport {
 
 class TempDir {
  public:
-  TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "norvex-test-XXXXXX").string();
+  explicit TempDir(const std::string& prefix = "norvex-test") {
+    std::string pattern = (std::filesystem::temp_directory_path() / (prefix + "-XXXXXX")).string();
     if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
     path_ = pattern;
   }
