@@ -51,6 +51,8 @@ TEST_F(Cli, ExistingWritesTheWindowFlowsMembersToAFileOrAloneIntoAPipe) {
 
   EXPECT_EQ(Run({"existing", "-o", Out("file.tgz")}), 0) << ReadFile(output_);
   EXPECT_EQ(Members(Out("file.tgz")), members);
+  EXPECT_FALSE(fs::exists(issue_ / "ORBClient.log")) << "the staged copy stays behind";
+  EXPECT_EQ(ReadFile(output_).find_first_of("\r\033"), std::string::npos) << "progress into a file";
 
   // A tool that talks on standard output must not get into the archive stream.
   WriteScript(scratch_ / "bin/cp", "echo chatty cp; exec /bin/cp \"$@\"");
@@ -73,6 +75,7 @@ TEST_F(Cli, ListPrintsPathsAndSizesAndChangesNothing) {
   const std::string before = Snapshot(home_);
   EXPECT_EQ(Run({"existing", "--list"}), 0);
   EXPECT_EQ(Run({"reproduce", "--list"}), 0);
+  EXPECT_EQ(Run({"existing", "--lst"}), 64);
   EXPECT_EQ(Snapshot(home_), before);
   const std::string listed = ReadFile(output_);
   EXPECT_NE(listed.find((logs_ / "kvlog.1").string() + " 8\n"), std::string::npos) << listed;
@@ -141,6 +144,8 @@ TEST_F(Reproduce, ASecondInstanceBesideTheWindowOrAnotherCommandIsRefusedWith4) 
   kill(window, SIGKILL);
   ExitCodeOf(window);
   EXPECT_EQ(Run({"existing", "-o", Out("e.tgz")}), 0) << "a dead owner holds nothing";
+  WriteFile(home_ / ".ORBClient/.tmp/.logmgr.lock", Bytes(getpid()));
+  EXPECT_EQ(Run({"existing", "-o", Out("e.tgz")}), 0) << "a live program that is not logmgr";
 }
 
 }  // namespace
