@@ -80,6 +80,9 @@ class App {
                          GtkWidget* parent);
 
   // --- engine: the flows' window-free steps (collect/flow_steps.cpp) ---
+  // The fixed members of each archive, before the log families are added.
+  FileList ExistingLogsMembers() const;
+  FileList IssueLogsMembers() const;
   // Reports, the existing-logs members and their archive: CreateArchive's code.
   int ArchiveExistingLogs();
   // Marker on, issue folder made when missing; false when it could not be made.

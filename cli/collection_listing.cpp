@@ -2,6 +2,7 @@
 
 #include <fnmatch.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -15,23 +16,24 @@ struct Member {
   bool writtenByRun = false;  // a report or copy the collection writes afresh
 };
 
-// The regular files below folder whose name matches pattern, as "find -type
-// f -name" lists them: links are neither followed nor listed.
-void AddFamily(const fs::path& folder, const char* pattern, bool recursive, std::vector<Member>& members) {
+// The regular files the iterator walks whose name matches pattern, as "find
+// -type f -name" lists them: links are neither followed nor listed.
+template <typename Walk>
+void AddMatches(Walk walk, const char* pattern, std::vector<Member>& members) {
   std::error_code error;
+  for (; !error && walk != fs::end(walk); walk.increment(error))
+    if (walk->symlink_status(error).type() == fs::file_type::regular &&
+        fnmatch(pattern, walk->path().filename().c_str(), 0) == 0)
+      members.push_back({walk->path()});
+}
+
+void AddFamily(const fs::path& folder, const char* pattern, bool recursive, std::vector<Member>& members) {
+  std::error_code error;  // a missing folder lists nothing
   const auto options = fs::directory_options::skip_permission_denied;
-  auto add = [&](const fs::directory_entry& entry) {
-    if (entry.symlink_status(error).type() == fs::file_type::regular &&
-        fnmatch(pattern, entry.path().filename().c_str(), 0) == 0)
-      members.push_back({entry.path()});
-  };
   if (recursive)
-    for (auto it = fs::recursive_directory_iterator(folder, options, error); !error && it != fs::end(it);
-         it.increment(error))
-      add(*it);
+    AddMatches(fs::recursive_directory_iterator(folder, options, error), pattern, members);
   else
-    for (auto it = fs::directory_iterator(folder, options, error); !error && it != fs::end(it); it.increment(error))
-      add(*it);
+    AddMatches(fs::directory_iterator(folder, options, error), pattern, members);
 }
 
 void PrintMembers(const std::vector<Member>& members) {
@@ -45,22 +47,31 @@ void PrintMembers(const std::vector<Member>& members) {
   }
 }
 
+// The engine's fixed members; those in written are made afresh by the run.
+std::vector<Member> FixedMembers(const App::FileList& fixed, const App::FileList& written) {
+  std::vector<Member> members;
+  for (const fs::path& file : fixed)
+    members.push_back({file, std::find(written.begin(), written.end(), file) != written.end()});
+  return members;
+}
+
 }  // namespace
 
 void PrintExistingLogsList(const App& app) {
-  std::vector<Member> members{{app.existingKeywardLog},          {app.existingClientLogCopy},
-                              {app.existingSystemInfo, true},    {app.issueClientLogCopy, true},
-                              {app.existingEnvdumpReport, true}, {app.existingDesklineCheckReport, true}};
+  // What the diagnostics write before the archive is made.
+  std::vector<Member> members =
+      FixedMembers(app.ExistingLogsMembers(), {app.existingSystemInfo, app.issueClientLogCopy,
+                                               app.existingEnvdumpReport, app.existingDesklineCheckReport});
   AddFamily(app.logsFolder, "userActivity*", true, members);
   AddFamily(app.logsFolder, "kvlog*", true, members);
   PrintMembers(members);
 }
 
 void PrintIssueLogsList(const App& app) {
-  // Named by the files they are staged from: the run copies them in.
-  std::vector<Member> members{{app.existingKeywardLog},       {app.systemClientLog},
-                              {app.issueSystemInfo, true},    {app.keywardConfigCopy, true},
-                              {app.issueEnvdumpReport, true}, {app.issueDesklineCheckReport, true}};
+  // A run stages or writes every fixed member, and copies the client's
+  // current logs in beside what the issue folder holds.
+  const App::FileList fixed = app.IssueLogsMembers();
+  std::vector<Member> members = FixedMembers(fixed, fixed);
   AddFamily(app.logsFolder, "userActivitylog*", false, members);
   AddFamily(app.logsFolder, "kvlog*", false, members);
   AddFamily(app.issueFolder, "userActivity*", true, members);

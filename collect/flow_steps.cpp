@@ -5,13 +5,21 @@
 
 namespace fs = std::filesystem;
 
-int App::ArchiveExistingLogs() {
-  CollectDiagnostics(logsFolder);
+App::FileList App::ExistingLogsMembers() const {
   // The diagnostics step has just copied the install root's configuration onto
   // issueClientLogCopy, so the archive carries it under "ORBClient.log".
-  FileList files{existingKeywardLog, existingClientLogCopy, existingSystemInfo,
-                 issueClientLogCopy, existingEnvdumpReport, existingDesklineCheckReport};
-  return ArchiveCollection(std::move(files), logsFolder, existingArchive);
+  return {existingKeywardLog, existingClientLogCopy, existingSystemInfo,
+          issueClientLogCopy, existingEnvdumpReport, existingDesklineCheckReport};
+}
+
+App::FileList App::IssueLogsMembers() const {
+  return {issueKeywardLog, issueClientLog, issueSystemInfo, keywardConfigCopy, issueEnvdumpReport,
+          issueDesklineCheckReport};
+}
+
+int App::ArchiveExistingLogs() {
+  CollectDiagnostics(logsFolder);
+  return ArchiveCollection(ExistingLogsMembers(), logsFolder, existingArchive);
 }
 
 bool App::PrepareIssueFolder() {
@@ -35,11 +43,7 @@ void App::EndIssueCollection() {
   log_set_shared_path(existingClientLog.c_str());
 }
 
-int App::ArchiveIssueLogs() {
-  FileList files{issueKeywardLog,   issueClientLog,     issueSystemInfo,
-                 keywardConfigCopy, issueEnvdumpReport, issueDesklineCheckReport};
-  return ArchiveCollection(std::move(files), issueFolder, issueArchive);
-}
+int App::ArchiveIssueLogs() { return ArchiveCollection(IssueLogsMembers(), issueFolder, issueArchive); }
 
 int App::ArchiveCollection(FileList files, const fs::path& folder, const fs::path& archive) {
   FindActivityAndKvlogs(files, folder);

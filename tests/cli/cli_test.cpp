@@ -138,6 +138,7 @@ TEST_F(Reproduce, ASecondInstanceBesideTheWindowOrAnotherCommandIsRefusedWith4) 
   // A live program named logmgr in the window's lock.
   fs::copy_file("/bin/sleep", scratch_ / "logmgr");
   const pid_t window = StartProgram({(scratch_ / "logmgr").string(), "30"});
+  ASSERT_TRUE(WaitUntil([&] { return ReadFile("/proc/" + std::to_string(window) + "/cmdline").find("30") != std::string::npos; }));
   WriteFile(home_ / ".ORBClient/.tmp/.logmgr.lock", Bytes(window));
   EXPECT_EQ(Run({"existing", "-o", Out("e.tgz")}), 4);
   EXPECT_NE(ReadFile(output_).find("(logmgr) is running"), std::string::npos) << ReadFile(output_);
