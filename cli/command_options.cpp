@@ -1,5 +1,8 @@
 #include "cli/command_options.h"
 
+#include "cli/archive_output.h"
+#include "cli/progress_line.h"
+
 void AddCollectOptions(CLI::App& command, CollectOptions& options, const std::string& defaultName) {
   options.output = defaultName;
   command.add_option("-o,--output", options.output, "where the archive goes; - is standard output")
@@ -11,4 +14,16 @@ void AddCollectOptions(CLI::App& command, CollectOptions& options, const std::st
 void InstallArchiveListHook(App& app, const CollectOptions&) {
   // Nothing to change yet: the archive takes the list as the engine built it.
   app.archiveListHook = nullptr;
+}
+
+int MakeAndDeliverArchive(App& app, const CollectOptions& options, int (App::*makeArchive)(),
+                          const std::filesystem::path& archive, ArchiveOutput& output,
+                          const std::filesystem::path& emptyFolder) {
+  InstallArchiveListHook(app, options);
+  int archiveCode = 0;
+  {
+    const ProgressLine progress(archive);
+    archiveCode = (app.*makeArchive)();
+  }
+  return DeliverArchive(app, archiveCode, archive, output, emptyFolder);
 }

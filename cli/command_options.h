@@ -18,6 +18,15 @@ void AddCollectOptions(CLI::App& command, CollectOptions& options, const std::st
 // whatever a command does to the files it archives, it does here.
 void InstallArchiveListHook(App& app, const CollectOptions& options);
 
+class ArchiveOutput;
+
+// The archive step of both commands: the hook installed, the engine's member
+// (ArchiveExistingLogs or ArchiveIssueLogs) run under the progress line, and
+// its archive delivered to output. Returns the exit code.
+int MakeAndDeliverArchive(App& app, const CollectOptions& options, int (App::*makeArchive)(),
+                          const std::filesystem::path& archive, ArchiveOutput& output,
+                          const std::filesystem::path& emptyFolder);
+
 // What a subcommand's run needs: the engine, and where to leave its exit code.
 struct CommandContext {
   App& app;

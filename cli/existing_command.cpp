@@ -8,7 +8,6 @@
 #include "cli/command_options.h"
 #include "cli/exit_codes.h"
 #include "cli/instance_lock.h"
-#include "cli/progress_line.h"
 
 namespace {
 
@@ -19,14 +18,9 @@ int RunExisting(App& app, const CollectOptions& options) {
   }
   ArchiveOutput output(options.output);
   if (AnotherInstanceRuns()) return exitcode::kOtherInstance;
-  InstallArchiveListHook(app, options);
-  int archiveCode = 0;
-  {
-    const ProgressLine progress(app.existingArchive);
-    archiveCode = app.ArchiveExistingLogs();
-  }
   // Names the file, as the window's message does.
-  return DeliverArchive(app, archiveCode, app.existingArchive, output, app.existingClientLogCopy);
+  return MakeAndDeliverArchive(app, options, &App::ArchiveExistingLogs, app.existingArchive, output,
+                               app.existingClientLogCopy);
 }
 
 }  // namespace

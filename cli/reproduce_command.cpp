@@ -11,7 +11,6 @@
 #include "cli/exit_codes.h"
 #include "cli/failure.h"
 #include "cli/instance_lock.h"
-#include "cli/progress_line.h"
 #include "cli/stop_signals.h"
 
 namespace {
@@ -62,13 +61,8 @@ int RunReproduce(App& app, const ReproduceOptions& options) {
   WaitForStop(options.seconds);
   ReportStatus(_("Stopping: putting the log levels and the log path back."));
   app.EndIssueCollection();
-  InstallArchiveListHook(app, options.collect);
-  int archiveCode = 0;
-  {
-    const ProgressLine progress(app.issueArchive);
-    archiveCode = app.ArchiveIssueLogs();
-  }
-  return DeliverArchive(app, archiveCode, app.issueArchive, output, app.issueFolder);
+  return MakeAndDeliverArchive(app, options.collect, &App::ArchiveIssueLogs, app.issueArchive, output,
+                               app.issueFolder);
 }
 
 }  // namespace
