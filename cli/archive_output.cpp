@@ -75,7 +75,9 @@ int ArchiveOutput::WriteToFile(const fs::path& archive) {
   // Written beside the target (private, as mkstemp makes it) and renamed into
   // place, so a failure leaves no partial file.
   const fs::path target = fs::absolute(destination_);
-  std::string partial = (target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string();
+  // Appended piece by piece: g++ 12 at -O3 warns falsely about "." + name.
+  std::string partial = target.parent_path().string();
+  partial.append("/.").append(target.filename().string()).append(".XXXXXX");
   const int fd = mkstemp(partial.data());
   bool done = fd >= 0 && CopyFileTo(archive, fd);
   if (fd >= 0) done = close(fd) == 0 && done;
