@@ -82,7 +82,10 @@ int ArchiveOutput::WriteToFile(const fs::path& archive) {
   bool done = fd >= 0 && CopyFileTo(archive, fd);
   if (fd >= 0) done = close(fd) == 0 && done;
   if (done) done = rename(partial.c_str(), target.c_str()) == 0;
-  if (done) return exitcode::kWritten;
+  if (done) {
+    ReportStatus(FormatMessage(_("Archive written to \"%s\"."), target.string()));
+    return exitcode::kWritten;
+  }
   if (fd >= 0) unlink(partial.c_str());
   ReportWriteFailure(destination_);
   return exitcode::kArchiveFailed;
