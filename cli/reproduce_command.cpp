@@ -42,7 +42,8 @@ void AnnounceWait(const App& app, int seconds) {
   ReportStatus(FormatMessage(_("Collecting verbose logs into \"%s\"; reproduce the problem now."),
                              app.issueFolder.string()));
   if (seconds > 0)
-    ReportStatus(FormatMessage(_("Stops by itself after %s seconds, or earlier with Ctrl-C."), std::to_string(seconds)));
+    ReportStatus(
+        FormatMessage(_("Stops by itself after %s seconds, or earlier with Ctrl-C."), std::to_string(seconds)));
   else
     ReportStatus(_("Press Ctrl-C (or send SIGTERM) to stop and make the archive."));
 }

@@ -15,15 +15,7 @@ sigset_t StopSet() {
   return set;
 }
 
-}  // namespace
-
-void HoldStopSignals() {
-  const sigset_t set = StopSet();
-  sigprocmask(SIG_BLOCK, &set, nullptr);
-}
-
-int WaitForStop(int seconds) {
-  const sigset_t set = StopSet();
+int WaitForOne(const sigset_t& set, int seconds) {
   timespec deadline{};
   clock_gettime(CLOCK_MONOTONIC, &deadline);
   deadline.tv_sec += seconds;
@@ -43,4 +35,23 @@ int WaitForStop(int seconds) {
     if (caught > 0) return caught;
     if (errno == EAGAIN) return 0;
   }
+}
+
+}  // namespace
+
+void HoldStopSignals() {
+  const sigset_t set = StopSet();
+  sigprocmask(SIG_BLOCK, &set, nullptr);
+}
+
+int WaitForStop(int seconds) {
+  const sigset_t set = StopSet();
+  const int caught = WaitForOne(set, seconds);
+  // A shell clears the blocked set it inherits, so the tools of the stop steps
+  // ("sh -c tar ...") would die of a second Ctrl-C to the terminal's process
+  // group; an ignored signal stays ignored across exec and in the shell.
+  struct sigaction ignore {};
+  ignore.sa_handler = SIG_IGN;
+  for (int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &ignore, nullptr);
+  return caught;
 }

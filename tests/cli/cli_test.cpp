@@ -2,6 +2,8 @@
 // scratch home and a fake client install root.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -94,7 +96,10 @@ class Reproduce : public Cli {
     return levels;
   }
   static std::string SharedPath() { return std::string(log_get_shared_path(), 0, 256).c_str(); }
-  bool Raised() const { return Levels() == std::string(LOG_CLASS_COUNT, '1') && SharedPath() == (issue_ / "ORBClient.log").string(); }
+  bool Raised() const {
+    return Levels() == std::string(LOG_CLASS_COUNT, '1') && SharedPath() == (issue_ / "ORBClient.log").string();
+  }
+  void RunInTurns();  // in a forked body: it maps the area and changes the process group
   void ExpectRestored() const {
     EXPECT_EQ(Levels(), std::string(LOG_CLASS_COUNT, '4'));
     EXPECT_EQ(SharedPath(), (logs_ / "ORBClient.log").string());
@@ -102,30 +107,43 @@ class Reproduce : public Cli {
   }
 };
 
-TEST_F(Reproduce, RaisesEveryClassWhileItWaitsAndPutsAllBackAfterItsTimeOrASighup) {
-  EXPECT_EQ(RunForked([&] {
-              ASSERT_EQ(log_config_open(), 1);
-              for (int c = 0; c < LOG_CLASS_COUNT; ++c) log_set_class_level(c, 4);
-              const pid_t run = StartProgram({LOGMGR_CLI_PATH, "reproduce", "--for", "2", "-o", Out("run.tgz")});
-              EXPECT_TRUE(WaitUntil([&] { return Raised() && fs::exists(home_ / ".ORBClient/.kvlogEnabled"); }));
-              EXPECT_EQ(ExitCodeOf(run), 0);
-              ExpectRestored();
-              EXPECT_NE(Members(Out("run.tgz")).find("UserSystemInfo.txt\n"), std::string::npos);
+// Ended by its time, refused, ended by a dropped session, and by Ctrl-C held down.
+void Reproduce::RunInTurns() {
+  ASSERT_EQ(log_config_open(), 1);
+  for (int c = 0; c < LOG_CLASS_COUNT; ++c) log_set_class_level(c, 4);
+  const pid_t run = StartProgram({LOGMGR_CLI_PATH, "reproduce", "--for", "2", "-o", Out("run.tgz")});
+  EXPECT_TRUE(WaitUntil([&] { return Raised() && fs::exists(home_ / ".ORBClient/.kvlogEnabled"); }));
+  EXPECT_EQ(ExitCodeOf(run), 0);
+  ExpectRestored();
+  EXPECT_NE(Members(Out("run.tgz")).find("UserSystemInfo.txt\n"), std::string::npos);
 
-              // The logs of a run that was never saved: without --yes nothing is touched.
-              WriteFile(issue_ / "ORBClient.log", "earlier run\n");
-              EXPECT_EQ(Run({"reproduce"}), 3);
-              EXPECT_NE(ReadFile(output_).find("--yes"), std::string::npos) << ReadFile(output_);
-              EXPECT_FALSE(fs::exists(home_ / ".ORBClient/.kvlogEnabled"));
+  // The logs of a run that was never saved: without --yes nothing is touched.
+  WriteFile(issue_ / "ORBClient.log", "earlier run\n");
+  EXPECT_EQ(Run({"reproduce"}), 3);
+  EXPECT_NE(ReadFile(output_).find("--yes"), std::string::npos) << ReadFile(output_);
+  EXPECT_FALSE(fs::exists(home_ / ".ORBClient/.kvlogEnabled"));
 
-              // A dropped ssh session, then an impatient Ctrl-C while it puts things back.
-              const pid_t dropped = StartProgram({LOGMGR_CLI_PATH, "reproduce", "--yes", "-o", Out("hup.tgz")});
-              EXPECT_TRUE(WaitUntil([&] { return Raised(); }));
-              kill(dropped, SIGHUP), kill(dropped, SIGINT);
-              EXPECT_EQ(ExitCodeOf(dropped), 0);
-              ExpectRestored();
-            }),
-            0);
+  // A dropped ssh session, then an impatient Ctrl-C while it puts things back.
+  const pid_t dropped = StartProgram({LOGMGR_CLI_PATH, "reproduce", "--yes", "-o", Out("hup.tgz")});
+  EXPECT_TRUE(WaitUntil([&] { return Raised(); }));
+  kill(dropped, SIGHUP), kill(dropped, SIGINT);
+  EXPECT_EQ(ExitCodeOf(dropped), 0);
+  ExpectRestored();
+
+  // Ctrl-C held down: the terminal signals the whole group, the stop's tools included.
+  signal(SIGINT, [](int) {});
+  setpgid(0, 0);
+  const pid_t pressed = StartProgram({LOGMGR_CLI_PATH, "reproduce", "--yes", "-o", Out("int.tgz")});
+  EXPECT_TRUE(WaitUntil([&] { return Raised(); }));
+  int status = 0;
+  for (; waitpid(pressed, &status, WNOHANG) == 0; usleep(200)) kill(0, SIGINT);
+  EXPECT_EQ(status, 0);
+  EXPECT_NE(Members(Out("int.tgz")).find("UserSystemInfo.txt\n"), std::string::npos);
+  ExpectRestored();
+}
+
+TEST_F(Reproduce, RaisesEveryClassWhileItWaitsAndPutsAllBackAfterItsTimeASighupOrCtrlC) {
+  EXPECT_EQ(RunForked([&] { RunInTurns(); }), 0);
 }
 
 TEST_F(Reproduce, ASecondInstanceBesideTheWindowOrAnotherCommandIsRefusedWith4) {
@@ -138,7 +156,8 @@ TEST_F(Reproduce, ASecondInstanceBesideTheWindowOrAnotherCommandIsRefusedWith4) 
   // A live program named logmgr in the window's lock.
   fs::copy_file("/bin/sleep", scratch_ / "logmgr");
   const pid_t window = StartProgram({(scratch_ / "logmgr").string(), "30"});
-  ASSERT_TRUE(WaitUntil([&] { return ReadFile("/proc/" + std::to_string(window) + "/cmdline").find("30") != std::string::npos; }));
+  const std::string commandLine = "/proc/" + std::to_string(window) + "/cmdline";
+  ASSERT_TRUE(WaitUntil([&] { return ReadFile(commandLine).find("30") != std::string::npos; }));
   WriteFile(home_ / ".ORBClient/.tmp/.logmgr.lock", Bytes(window));
   EXPECT_EQ(Run({"existing", "-o", Out("e.tgz")}), 4);
   EXPECT_NE(ReadFile(output_).find("(logmgr) is running"), std::string::npos) << ReadFile(output_);
