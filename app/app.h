@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -78,6 +79,24 @@ class App {
   bool CopyChosenArchive(const std::filesystem::path& archive, const std::filesystem::path& chosen,
                          GtkWidget* parent);
 
+  // --- engine: the flows' window-free steps (collect/flow_steps.cpp) ---
+  // The fixed members of each archive, before the log families are added.
+  FileList ExistingLogsMembers() const;
+  FileList IssueLogsMembers() const;
+  // Reports, the existing-logs members and their archive: CreateArchive's code.
+  int ArchiveExistingLogs();
+  // Marker on, issue folder made when missing; false when it could not be made.
+  bool PrepareIssueFolder();
+  // Reports and staged logs in the issue folder, every class raised, log path pointed there.
+  void BeginIssueCollection();
+  // The run's logs copied in, marker removed, levels and log path put back.
+  void EndIssueCollection();
+  // The issue run's members and their archive: CreateArchive's code.
+  int ArchiveIssueLogs();
+  // The one place every member list passes, families added, before CreateArchive.
+  int ArchiveCollection(FileList files, const std::filesystem::path& folder,
+                        const std::filesystem::path& archive);
+
   // --- engine: diagnostics (collect/diagnostics.cpp) ---
   void CollectDiagnostics(const std::filesystem::path& folder);
   void WriteUserSystemInfo(const std::filesystem::path& reportPath);
@@ -117,6 +136,9 @@ class App {
   std::filesystem::path existingDesklineCheckReport;
   std::filesystem::path issueDesklineCheckReport;
   std::filesystem::path tempListFile;
+
+  // Sees, and may replace, each complete member list just before its archive is made.
+  std::function<void(FileList&)> archiveListHook;
 
   std::string lastSavedText;
   GtkBuilder* builder = nullptr;  // lives as long as the process

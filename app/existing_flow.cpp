@@ -5,13 +5,7 @@
 #include "app/i18n.h"
 
 void App::CollectExistingLogs(GtkWidget* window) {
-  CollectDiagnostics(logsFolder);
-  // The diagnostics step has just copied the install root's configuration onto
-  // issueClientLogCopy, so the archive carries it under "ORBClient.log".
-  FileList files{existingKeywardLog, existingClientLogCopy, existingSystemInfo,
-                 issueClientLogCopy, existingEnvdumpReport, existingDesklineCheckReport};
-  FindActivityAndKvlogs(files, logsFolder);
-  const int result = CreateArchive(files, existingArchive.string());
+  const int result = ArchiveExistingLogs();
   if (result == 0) {
     if (!SaveArchiveDialog(existingArchive, std::string(constants::kExistingArchiveName), window)) return;
     if (saveButtonIsView == 0) {

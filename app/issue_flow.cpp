@@ -2,7 +2,6 @@
 // into the issue folder; stop puts both back and archives what was written.
 #include "app/app.h"
 #include "app/i18n.h"
-#include "logclient/logclient.h"
 
 void App::ToggleIssueReproduction(GtkWidget* window) {
   if (collecting == 1)
@@ -12,12 +11,11 @@ void App::ToggleIssueReproduction(GtkWidget* window) {
 }
 
 void App::StartIssueReproduction(GtkWidget* window) {
-  EnableKvlog();
   if (saveButtonIsView == 1) {
     gtk_button_set_label(GTK_BUTTON(saveButton), _("Save logs"));
     saveButtonIsView = 0;
   }
-  if (!IssueReproduceFolderExists() && !CreateIssueReproduceFolder()) {
+  if (!PrepareIssueFolder()) {
     ShowError(window, FormatMessage(_("Failed to create the log file folder at \"%s\".\nPlease check the folder "
                                       "permisions and try again."),
                                     issueFolder.string()));
@@ -28,26 +26,14 @@ void App::StartIssueReproduction(GtkWidget* window) {
       AskToContinue(window, _("Are you sure you want to continue? Your recent logs will be overwritten.")) !=
           GTK_RESPONSE_ACCEPT)
     return;
-  CollectDiagnostics(issueFolder);
-  StageKeywardLog();
-  StageClientLog();
-  RaiseAllLogLevels();
+  BeginIssueCollection();
   ShowCollectingState();
   collecting = 1;
 }
 
 void App::StopIssueReproduction(GtkWidget* window) {
-  CopyActivityLogsToIssueFolder();
-  CopyKvlogsToIssueFolder();
-  DisableKvlog();
-  // Every class gets class 0's former level, whatever it had before the run.
-  SetAllLogLevels(savedLogLevel);
-  log_set_shared_path(existingClientLog.c_str());
-
-  FileList files{issueKeywardLog,   issueClientLog,     issueSystemInfo,
-                 keywardConfigCopy, issueEnvdumpReport, issueDesklineCheckReport};
-  FindActivityAndKvlogs(files, issueFolder);
-  const int result = CreateArchive(files, issueArchive.string());
+  EndIssueCollection();
+  const int result = ArchiveIssueLogs();
   if (result == 0) {
     ShowIdleState(0);
     gtk_label_set_text(GTK_LABEL(stopText), _("Click \"Save logs\" to save the logs to the desired location."));

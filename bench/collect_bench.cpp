@@ -1,8 +1,11 @@
 // App::FindFiles and App::CreateArchive against the bare "find" and "tar"
-// doing the same work.
+// doing the same work, and logmgr-cli's "existing" against CreateArchive on
+// the same logs, into a file and into a pipe.
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -29,7 +32,8 @@ constexpr size_t kArchivedFileBytes = 10u << 20;  // 20 x 10 MB of log text
 // Removed when the program ends.
 struct Scratch {
   testsupport::TempDir top{"collect-bench"};
-  fs::path home = top / "home", root = top / "root", listing = top / "listing", logs = top / "logs",
+  // The archived logs are the client's own, so that logmgr-cli collects the same files.
+  fs::path home = top / "home", root = top / "root", listing = top / "listing", logs = home / ".ORBClient/logs",
            archive = top / "out.tar.gz";
 };
 
@@ -129,11 +133,48 @@ void BM_BareTar(benchmark::State& state) {
   }
 }
 
+// logmgr-cli with its stderr dropped and, when piped, its whole output read here.
+bool RunCli(const std::string& output) {
+  std::vector<std::string> words = {LOGMGR_CLI_PATH, "existing", "-o", output};
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  int pipeFds[2] = {-1, -1};
+  if (output == "-" && pipe(pipeFds) != 0) return false;
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  if (pipeFds[1] >= 0) posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
+  if (pipeFds[0] >= 0) posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
+  pid_t pid = 0;
+  const bool started = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0;
+  posix_spawn_file_actions_destroy(&actions);
+  if (pipeFds[1] >= 0) close(pipeFds[1]);
+  static char sink[1 << 16];
+  while (pipeFds[0] >= 0 && read(pipeFds[0], sink, sizeof sink) > 0) {
+  }
+  if (pipeFds[0] >= 0) close(pipeFds[0]);
+  int status = 0;
+  return started && waitpid(pid, &status, 0) == pid && status == 0;
+}
+
+void BM_CliExistingToFile(benchmark::State& state) {
+  for (auto _ : state)
+    if (!RunCli(Data().archive.string())) state.SkipWithError("logmgr-cli failed");
+}
+
+void BM_CliExistingToPipe(benchmark::State& state) {
+  for (auto _ : state)
+    if (!RunCli("-")) state.SkipWithError("logmgr-cli failed");
+}
+
 BENCHMARK(BM_FindFiles)->UseRealTime()->MinTime(0.3);
 BENCHMARK(BM_BareFind)->UseRealTime()->MinTime(0.3);
 // One archive per run: a pair then takes a few seconds already.
 BENCHMARK(BM_CreateArchive)->UseRealTime()->Iterations(1);
 BENCHMARK(BM_BareTar)->UseRealTime()->Iterations(1);
+BENCHMARK(BM_CliExistingToFile)->UseRealTime()->Iterations(1);
+BENCHMARK(BM_CliExistingToPipe)->UseRealTime()->Iterations(1);
 
 }  // namespace
 
@@ -141,7 +182,9 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   PrepareData();
   const bool ran = RunPairs("find_files", "BM_BareFind", "BM_FindFiles", 11) &&
-                   RunPairs("create_archive", "BM_BareTar", "BM_CreateArchive", 7);
+                   RunPairs("create_archive", "BM_BareTar", "BM_CreateArchive", 7) &&
+                   RunPairs("cli_existing", "BM_CreateArchive", "BM_CliExistingToFile", 7) &&
+                   RunPairs("cli_pipe", "BM_CliExistingToFile", "BM_CliExistingToPipe", 7);
   benchmark::Shutdown();
   return ran ? 0 : 1;
 }

@@ -19,6 +19,10 @@ if(TARGET logmgr)
   set_target_properties(logmgr PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
   install(TARGETS logmgr RUNTIME DESTINATION util COMPONENT client)
 endif()
+if(TARGET logmgr-cli)
+  set_target_properties(logmgr-cli PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
+  install(TARGETS logmgr-cli RUNTIME DESTINATION util COMPONENT client)
+endif()
 if(TARGET logclient)
   install(TARGETS logclient LIBRARY DESTINATION lib COMPONENT client NAMELINK_COMPONENT dev)
   install(FILES ${PROJECT_SOURCE_DIR}/logclient/logclient.h DESTINATION include/logclient COMPONENT dev)
@@ -34,7 +38,8 @@ if(TARGET logmgr AND TARGET logclient)
   # A stripped install (the packages) also drops the compiler's ident notes,
   # as Debian's own tools do: nothing at run time reads them.
   install(CODE "if(CMAKE_INSTALL_DO_STRIP)
-    foreach(binary util/$<TARGET_FILE_NAME:logmgr> lib/$<TARGET_FILE_NAME:logclient>)
+    foreach(binary util/$<TARGET_FILE_NAME:logmgr> util/$<TARGET_FILE_NAME:logmgr-cli>
+                   lib/$<TARGET_FILE_NAME:logclient>)
       execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment --remove-section=.note
                       \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/\${binary}\" COMMAND_ERROR_IS_FATAL ANY)
     endforeach()
@@ -55,9 +60,22 @@ install(FILES ${PROJECT_SOURCE_DIR}/icons/000_Beacon.svg
         DESTINATION ${NORVEX_SYSTEM_DATADIR}/icons/hicolor/scalable/apps RENAME ${NORVEX_APP_ID}.svg
         COMPONENT system EXCLUDE_FROM_ALL)
 
+# logmgr-cli on PATH for ssh sessions: a relative link from /usr/bin into the
+# root's util/, and its manual page.
+file(RELATIVE_PATH NORVEX_CLI_LINK_TARGET /usr/${CMAKE_INSTALL_BINDIR} ${NORVEX_PACKAGE_ROOT}/util/logmgr-cli)
+file(CREATE_LINK ${NORVEX_CLI_LINK_TARGET} ${CMAKE_BINARY_DIR}/data/logmgr-cli SYMBOLIC)
+install(FILES ${CMAKE_BINARY_DIR}/data/logmgr-cli DESTINATION /usr/${CMAKE_INSTALL_BINDIR} COMPONENT system EXCLUDE_FROM_ALL)
+find_program(NORVEX_GZIP gzip REQUIRED)
+add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/data/logmgr-cli.1.gz
+  COMMAND ${NORVEX_GZIP} -9 -n -c ${PROJECT_SOURCE_DIR}/cli/logmgr-cli.1 > ${CMAKE_BINARY_DIR}/data/logmgr-cli.1.gz
+  DEPENDS ${PROJECT_SOURCE_DIR}/cli/logmgr-cli.1
+  COMMENT "Compressing the logmgr-cli manual page")
+add_custom_target(cli_manual_page ALL DEPENDS ${CMAKE_BINARY_DIR}/data/logmgr-cli.1.gz)
+install(FILES ${CMAKE_BINARY_DIR}/data/logmgr-cli.1.gz
+        DESTINATION ${NORVEX_SYSTEM_DATADIR}/man/man1 COMPONENT system EXCLUDE_FROM_ALL)
+
 # Each package carries the copyright, the changelog (compressed as Debian
 # wants it) and the note that tells lintian why the files are below /opt.
-find_program(NORVEX_GZIP gzip REQUIRED)
 add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/data/changelog.gz
   COMMAND ${NORVEX_GZIP} -9 -n -c ${PROJECT_SOURCE_DIR}/data/changelog > ${CMAKE_BINARY_DIR}/data/changelog.gz
   DEPENDS ${PROJECT_SOURCE_DIR}/data/changelog

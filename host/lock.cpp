@@ -26,13 +26,23 @@ void ReportFolderFailure(const char* what) {
 
 enum class LockState { kClaim, kRunning, kCannotCheck };
 
-bool SameProgramAs(int32_t id) {
-  return ReadFirstCommandLineField("/proc/self/cmdline") ==
-         ReadFirstCommandLineField("/proc/" + std::to_string(id) + "/cmdline");
+// Tells whether the process with this id runs the program that owns the lock.
+using OwnerTest = bool (*)(int32_t id, const std::string& name);
+
+std::string CommandLineOf(int32_t id) { return ReadFirstCommandLineField("/proc/" + std::to_string(id) + "/cmdline"); }
+
+bool SameProgramAs(int32_t id, const std::string&) {
+  return ReadFirstCommandLineField("/proc/self/cmdline") == CommandLineOf(id);
+}
+
+bool ProgramNamed(int32_t id, const std::string& name) {
+  std::string folder, program;
+  SplitPath(CommandLineOf(id), folder, program);
+  return program == name;
 }
 
 // Decides from an existing lock file whether its owner still runs.
-LockState InspectLockFile(int fd) {
+LockState InspectLockFile(int fd, OwnerTest isOwner, const std::string& name) {
   if (flock(fd, LOCK_EX) != 0) {
     std::cerr << "locking error: " << strerror(errno) << "\n";
     return LockState::kCannotCheck;
@@ -43,17 +53,17 @@ LockState InspectLockFile(int fd) {
   if (read(fd, &storedId, sizeof(storedId)) < 0) {
     std::cerr << "reading error for lock file: " << strerror(errno) << "\n";
     state = LockState::kCannotCheck;
-  } else if (kill(storedId, 0) == 0 && SameProgramAs(storedId)) {
+  } else if (kill(storedId, 0) == 0 && isOwner(storedId, name)) {
     state = LockState::kRunning;
   }
   flock(fd, LOCK_UN);
   return state;
 }
 
-LockState ReadLock(const std::string& lockPath) {
+LockState ReadLock(const std::string& lockPath, OwnerTest isOwner, const std::string& name) {
   int fd = open(lockPath.c_str(), O_RDONLY);
   if (fd < 0) return errno == ENOENT ? LockState::kClaim : LockState::kCannotCheck;
-  LockState state = InspectLockFile(fd);
+  LockState state = InspectLockFile(fd, isOwner, name);
   close(fd);
   return state;
 }
@@ -106,13 +116,22 @@ std::string GetClientTempDirectory() {
   return result.empty() ? "/tmp" : result;
 }
 
+std::string LockFilePath(const std::string& name) { return GetClientTempDirectory() + "/." + name + ".lock"; }
+
 bool EnsureSingleInstance(const std::string& name) {
-  std::string lockPath = GetClientTempDirectory() + "/." + name + ".lock";
-  LockState state = ReadLock(lockPath);
+  std::string lockPath = LockFilePath(name);
+  LockState state = ReadLock(lockPath, SameProgramAs, name);
   if (state == LockState::kRunning) return true;
   if (state == LockState::kClaim && ClaimLock(lockPath)) return false;
   ReportCannotCheck(lockPath, name);
   return true;
+}
+
+bool LockHeldByRunningProgram(const std::string& name) {
+  const std::string lockPath = LockFilePath(name);
+  const LockState state = ReadLock(lockPath, ProgramNamed, name);
+  if (state == LockState::kCannotCheck) ReportCannotCheck(lockPath, name);
+  return state != LockState::kClaim;
 }
 
 std::string ReadFirstCommandLineField(const std::string& path) {

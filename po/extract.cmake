@@ -8,7 +8,7 @@ endforeach()
 
 # Relative names keep the template free of the builder's own folders.
 file(GLOB code RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/app/*.cpp ${SOURCE_DIR}/app/*.h
-     ${SOURCE_DIR}/collect/*.cpp ${SOURCE_DIR}/collect/*.h)
+     ${SOURCE_DIR}/collect/*.cpp ${SOURCE_DIR}/collect/*.h ${SOURCE_DIR}/cli/*.cpp ${SOURCE_DIR}/cli/*.h)
 file(GLOB windows RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/gtk/glade/*.glade)
 list(SORT code)
 list(SORT windows)
