@@ -1,11 +1,7 @@
 """logmgr through the accessibility bus and the keyboard alone: collects the existing logs, views where they went,
 then runs and saves an issue reproduction, printing the accessible tree of each state it checks.
   accessibility_run.py LOGMGR CATALOGUE-FOLDER EXISTING-ARCHIVE ISSUE-ARCHIVE"""
-import gettext
-import os
-import subprocess
-import sys
-import time
+import gettext, os, subprocess, sys, time  # noqa: E401
 
 import gi
 
@@ -145,7 +141,7 @@ def run(window):
 
 def note_shown(event):
     try:
-        announced.extend([(event.source.getRole(), event.source.name)] if event.detail1 else [])
+        announced.extend([(event.source.getRole(), event.source.name)] * event.detail1)
     except GLib.Error:  # gone already, as the parts of a closed dialog are
         pass
 
