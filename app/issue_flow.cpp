@@ -1,5 +1,6 @@
 // Issue reproduction: start raises every log class and points the client's log
 // into the issue folder; stop puts both back and archives what was written.
+#include "app/actions.h"
 #include "app/app.h"
 #include "app/i18n.h"
 
@@ -12,7 +13,7 @@ void App::ToggleIssueReproduction(GtkWidget* window) {
 
 void App::StartIssueReproduction(GtkWidget* window) {
   if (saveButtonIsView == 1) {
-    gtk_button_set_label(GTK_BUTTON(saveButton), _("Save logs"));
+    SetAction(saveButton, _("Save logs"), hints::Save());
     saveButtonIsView = 0;
   }
   if (!PrepareIssueFolder()) {
@@ -36,7 +37,7 @@ void App::StopIssueReproduction(GtkWidget* window) {
   const int result = ArchiveIssueLogs();
   if (result == 0) {
     ShowIdleState(0);
-    gtk_label_set_text(GTK_LABEL(stopText), _("Click \"Save logs\" to save the logs to the desired location."));
+    gtk_label_set_text(GTK_LABEL(stopText), hints::Save());
     collecting = 2;
     return;
   }

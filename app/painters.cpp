@@ -1,6 +1,7 @@
 // The state painters: the run, idle and saved states of the window and the
 // last-saved line, each painted in one place. The flows themselves change
 // only the one hint or label that belongs to their own step.
+#include "app/actions.h"
 #include "app/app.h"
 #include "app/i18n.h"
 
@@ -15,8 +16,9 @@ void App::ShowCollectingState() {
   gtk_widget_show(logCollectionText);
   for (GtkWidget* widget : {lastLogLabel, ruler, saveButton, existingLogButton, collectExistingText})
     gtk_widget_hide(widget);
-  gtk_button_set_label(GTK_BUTTON(startStopButton), _("Stop collecting logs"));
-  SetLabel(stopText, _("Click \"Stop collecting logs\" after the issue is reproduced."));
+  SetAction(startStopButton, _("Stop collecting logs"), hints::Stop());
+  SetLabel(stopText, hints::Stop());
+  KeepFocusShown(startStopButton);
 }
 
 void App::ShowIdleState(int failed) {
@@ -29,11 +31,10 @@ void App::ShowIdleState(int failed) {
     gtk_widget_show(existingLogButton);
   }
   // The collect-existing hint only gets its text back here, not its visibility.
-  SetLabel(stopText, _("Click \"Start collecting logs\" and then reproduce the issue. This gathers the most "
-                       "recent logs."));
-  SetLabel(collectExistingText, _("Click \"Collect existing logs\" to gather the logs that might have captured "
-                                  "the issue from previous occurrences."));
-  gtk_button_set_label(GTK_BUTTON(startStopButton), _("Start collecting logs"));
+  SetLabel(stopText, hints::Start());
+  SetLabel(collectExistingText, hints::CollectExisting());
+  SetAction(startStopButton, _("Start collecting logs"), hints::Start());
+  KeepFocusShown(startStopButton);
 }
 
 void App::ShowLastSaved() {
@@ -45,10 +46,12 @@ void App::ShowLastSaved() {
 }
 
 void App::ShowSavedState() {
-  SetLabel(stopText, _("Click \"View saved logs\" to view the recently saved logs."));
+  SetLabel(stopText, hints::View());
   gtk_widget_hide(saveButton);
-  gtk_button_set_label(GTK_BUTTON(saveButton), _("View saved logs"));
+  SetAction(saveButton, _("View saved logs"), hints::View());
   // Shown in every case: after collecting existing logs it may not have been visible yet.
   gtk_widget_show(saveButton);
+  // The hide took the focus when the button itself was just used.
+  KeepFocusShown(saveButton);
   saveButtonIsView = 1;
 }

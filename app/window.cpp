@@ -2,6 +2,7 @@
 // connected, then the toolkit's loop runs until the window is closed.
 #include <string>
 
+#include "app/actions.h"
 #include "app/app.h"
 #include "app/constants.h"
 #include "app/gobject_ptr.h"
@@ -66,6 +67,14 @@ void AddCircularClass(const App& app) {
     gtk_style_context_add_class(gtk_widget_get_style_context(button), "circular");
 }
 
+// As the window description gives the buttons: a run can start, its archive
+// is not saved yet.
+void DescribeActions(const App& app) {
+  Describe(app.startStopButton, hints::Start());
+  Describe(app.saveButton, hints::Save());
+  Describe(app.existingLogButton, hints::CollectExisting());
+}
+
 void ConnectSignals(const App& app, GtkWidget* window) {
   g_signal_connect(app.startStopButton, "clicked", G_CALLBACK(OnStartStopClicked), window);
   g_signal_connect(app.saveButton, "clicked", G_CALLBACK(OnSaveClicked), window);
@@ -94,6 +103,8 @@ void App::Run() {
   SetWindowIcon(*this, window);
   AddCircularClass(*this);
   ApplyStyleSheet(*this);
+  SizeActionButtons({startStopButton, saveButton, existingLogButton});
+  DescribeActions(*this);
   ShowInitialState();
   ConnectSignals(*this, window);
   gtk_main();

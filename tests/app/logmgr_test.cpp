@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <iostream>
 #include <sstream>
 #include <thread>
 
@@ -63,7 +64,7 @@ TEST_F(LogmgrTest, WithoutAnInstallRootEndsAtOnceWithOneRootLinePerSearch) {
 }
 
 // Without the dump tool, the run's start shows that its forked copy ends and the flow goes on.
-TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem) {
+TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInItsArchiveAndEndsThem) {
   fs::remove(root_ / "util/envdump");
   logclient_test::LogdProcess logd(home_.path());
   ASSERT_TRUE(logd.listening());
@@ -92,20 +93,44 @@ TEST_F(LogmgrTest, RunCapturesTheClientsVerboseLinesInTheSavedArchiveAndEndsThem
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
   const std::string afterStop = ReadFile(clientLog);
 
-  ASSERT_TRUE(xdrive::PressKey(display_, window, "Tab"));  // to "Save logs"
-  ASSERT_TRUE(xdrive::PressKey(display_, window, "Return"));
-  const Window chooser = xdrive::WaitForWindow(display_, "Save File", kWaitMs);
-  ASSERT_TRUE(chooser && xdrive::PressKey(display_, chooser, "Return"));  // the proposed name in home
-  const auto saved = home_ / "NorvexDeskline-IssueLogs.tar.gz";
-  ASSERT_TRUE(WaitUntil([&] { return fs::exists(saved) && !ArchiveMembers(saved).empty(); }));
-  EXPECT_GE(DemoLines(ArchiveMember(saved, "ORBClient.log"), " VERBOSE "), 5);
+  EXPECT_GE(DemoLines(ArchiveMember(packed, "ORBClient.log"), " VERBOSE "), 5);
   // The client log takes the client's lines again, but no VERBOSE ones.
+  EXPECT_TRUE(WaitUntil([&] { return DemoLines(ReadFile(clientLog)) > DemoLines(afterStop); }));
   const std::string now = ReadFile(clientLog);
-  EXPECT_GT(DemoLines(now), DemoLines(afterStop));
   EXPECT_EQ(DemoLines(now, " VERBOSE "), DemoLines(afterStop, " VERBOSE ")) << "VERBOSE lines after the stop";
   xdrive::RequestClose(display_, window);
   EXPECT_EQ(ExitCodeOf(logmgr), 0);
   kill(demoClient, SIGKILL);  // ended first, or a stopping logd waits for it to fall quiet
+}
+
+// Both flows as a screen reader user does them, in German: the AT-SPI client prints the accessible tree it checks.
+TEST_F(LogmgrTest, BothFlowsByKeyboardThroughTheAccessibilityBus) {
+  fs::create_directory_symlink(NORVEX_BINARY_DIR "/nls", root_ / "nls");
+  logclient_test::LogdProcess logd(home_.path());
+  ScopedEnv bridge("NO_AT_BRIDGE", nullptr), language("LANGUAGE", "de"), locale("LC_ALL", "C.UTF-8");
+  const fs::path existing = home_ / "existing-by-keyboard.tar.gz", issue = home_ / "issue-by-keyboard.tar.gz";
+  const fs::path logs = home_ / ".ORBClient/logs";
+  WriteFile(logs / "userActivitylog.1", "older activity\n");
+  WriteFile(logs / "kvlog.3", "sibling\n");
+  WriteFile(home_ / "keyward.log", "keyward\n");  // a link's content is stored
+  fs::create_symlink(home_ / "keyward.log", logs / "KeywardSvr.latest");
+  const pid_t run = Start({"dbus-run-session", "--", "/usr/bin/python3",
+                           NORVEX_SOURCE_DIR "/tests/app/accessibility_run.py", LOGMGR_PATH, root_.str() + "/nls",
+                           existing.string(), issue.string()},
+                          output_.c_str());
+  EXPECT_EQ(ExitCodeOf(run, 120), 0);
+  std::cout << ReadFile(output_);  // the trees, and the tools' complaints
+  EXPECT_EQ(ArchiveMembers(existing), "DesklineCheck.txt\nEnvdump.txt\nKeywardSvr.latest\nORBClient.log\n"
+                                      "UserSystemInfo.txt\nkvlog.3\nuserActivitylog.1\n");
+  // The diagnostics step has just copied the configuration onto the issue folder's client log.
+  EXPECT_EQ(ArchiveMember(existing, "ORBClient.log"), kKeywardConfigText);
+  EXPECT_EQ(ArchiveMember(existing, "KeywardSvr.latest"), "keyward\n");
+  // The saves leave each archive and its reports where they were made; the issue save takes the staged logs.
+  EXPECT_TRUE(fs::exists(logs / "NorvexDeskline-ExistingLogs.tar.gz"));
+  EXPECT_EQ(RunAndCapture("ls " + (logs / "issuereproduce").string()),
+            "DesklineCheck.txt\nEnvdump.txt\nNorvexDeskline-IssueLogs.tar.gz\nUserSystemInfo.txt\n");
+  EXPECT_EQ(ArchiveMembers(issue), "DesklineCheck.txt\nEnvdump.txt\nKeywardConfig.xml\nKeywardSvr.latest\n"
+                                   "UserSystemInfo.txt\nkvlog.3\nuserActivitylog.1\n");
 }
 
 }  // namespace

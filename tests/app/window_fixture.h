@@ -86,9 +86,6 @@ class WindowTest : public ::testing::Test {
   std::unique_ptr<App> app_;
 };
 
-inline std::string LabelText(GtkWidget* widget) {
-  return GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : gtk_label_get_text(GTK_LABEL(widget));
-}
 inline bool Visible(GtkWidget* widget) { return gtk_widget_get_visible(widget); }
 inline void Click(GtkWidget* button) { gtk_button_clicked(GTK_BUTTON(button)); }
 
