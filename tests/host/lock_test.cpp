@@ -23,6 +23,9 @@ TEST(SingleInstance, ClaimsAFreeStaleOrReusedLockButNotOneThisProgramHolds) {
   // An owner that is gone, and a live one that runs another program.
   const pid_t gone = StartProgram({"true"}), other = StartProgram({"sleep", "60"});
   ExitCodeOf(gone);
+  // Until it execs, the child still runs this very program and so counts as an owner.
+  const std::string otherCommand = "/proc/" + std::to_string(other) + "/cmdline";
+  ASSERT_TRUE(WaitUntil([&] { return ReadFile(otherCommand).rfind("sleep", 0) == 0; }));
   for (pid_t owner : {gone, other}) {
     WriteFile(lock, Bytes(owner) + "tail");
     EXPECT_FALSE(EnsureSingleInstance("logmgr")) << owner;
