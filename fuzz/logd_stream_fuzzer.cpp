@@ -10,7 +10,7 @@
 
 #include "fuzz/check.h"
 #include "logclient/wire_format.h"
-#include "tools/logd/decoder.h"
+#include "logd/decoder.h"
 
 namespace {
 

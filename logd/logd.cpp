@@ -10,7 +10,7 @@
 #include <string>
 
 #include "logclient/logclient.h"
-#include "tools/logd/server.h"
+#include "logd/server.h"
 
 int main(int argc, char**) {
   if (argc != 1) {

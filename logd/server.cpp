@@ -1,4 +1,4 @@
-#include "tools/logd/server.h"
+#include "logd/server.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "logclient/logclient.h"
-#include "tools/logd/decoder.h"
-#include "tools/logd/log_file.h"
-#include "tools/logd/record_line.h"
+#include "logd/decoder.h"
+#include "logd/log_file.h"
+#include "logd/record_line.h"
 
 namespace logd {
 namespace {

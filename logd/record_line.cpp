@@ -1,4 +1,4 @@
-#include "tools/logd/record_line.h"
+#include "logd/record_line.h"
 
 #include <cstdio>
 #include <ctime>

@@ -1,4 +1,4 @@
-#include "tools/logd/log_file.h"
+#include "logd/log_file.h"
 
 #include <fcntl.h>
 #include <unistd.h>

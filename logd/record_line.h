@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tools/logd/decoder.h"
+#include "logd/decoder.h"
 
 namespace logd {
 
