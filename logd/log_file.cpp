@@ -1,8 +1,9 @@
 #include "logd/log_file.h"
 
-#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -16,24 +17,35 @@ using Clock = std::chrono::steady_clock;
 // hold megabytes, and one large write costs about as much as a small one.
 constexpr size_t kLargeBatch = 64 * 1024;
 
+size_t SizeOf(int fd) {
+  struct stat info {};
+  return fstat(fd, &info) == 0 ? static_cast<size_t>(info.st_size) : 0;
+}
+
+// The length of the whole lines at the front of text.
+size_t WholeLines(std::string_view text) {
+  const size_t end = text.rfind('\n');
+  return end == std::string_view::npos ? 0 : end + 1;
+}
+
 }  // namespace
 
-LogFile::~LogFile() {
-  if (fd_ >= 0) close(fd_);
-}
+LogFile::LogFile(std::string defaultPath, bool systemWide, const Options& options)
+    : defaultPath_(std::move(defaultPath)), systemWide_(systemWide), options_(options), path_(defaultPath_) {}
 
 void LogFile::Follow(const std::string& path) {
-  if (path == path_) return;
+  const std::string& next = path.empty() ? defaultPath_ : path;
+  if (next == path_) return;
   Write();
-  if (fd_ >= 0) close(fd_);
-  fd_ = -1;
-  complained_ = false;
-  path_ = path;
+  fd_.Reset();
+  refusalSaid_ = false;
+  path_ = next;
 }
 
-void LogFile::Add(const std::string& line, int holdMs) {
+void LogFile::Add(const std::string& lines, int holdMs) {
+  if (lines.empty()) return;
   if (batch_.empty()) due_ = Clock::now() + std::chrono::milliseconds(holdMs);
-  batch_ += line;
+  batch_ += lines;
   if (batch_.size() >= kLargeBatch) Write();
 }
 
@@ -47,35 +59,86 @@ void LogFile::WriteIfDue() {
   if (!batch_.empty() && Clock::now() >= due_) Write();
 }
 
+bool LogFile::OpenAt(const std::string& path, std::string& problem) {
+  place_ = LogPlace::Find(path, systemWide_, problem);
+  if (place_.valid()) fd_.Reset(place_.OpenFile(problem));
+  openPath_ = path;
+  return fd_.valid();
+}
+
 bool LogFile::Open() {
-  if (fd_ >= 0) return true;
-  // O_APPEND keeps each batch whole at the end even when another writer
-  // (a copy into the issue folder, say) touches the file meanwhile.
-  fd_ = path_.empty() ? -1 : open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
-  if (fd_ < 0 && !complained_) {
-    fprintf(stderr, "logd: cannot open the log file \"%s\": %s\n", path_.c_str(),
-            path_.empty() ? "no path" : strerror(errno));
-    complained_ = true;
-  }
-  return fd_ >= 0;
+  // A file deleted or renamed under logd is followed no further.
+  if (fd_.valid() && place_.Holds(fd_.get())) return true;
+  fd_.Reset();
+  std::string problem;
+  if (OpenAt(path_, problem)) return true;
+  if (path_ != defaultPath_ && !refusalSaid_)
+    fprintf(stderr, "logd: refusing the log file \"%s\": %s; writing to \"%s\" meanwhile\n", path_.c_str(),
+            problem.c_str(), defaultPath_.c_str());
+  refusalSaid_ = true;
+  if (path_ != defaultPath_ && OpenAt(defaultPath_, problem)) return true;
+  if (!defaultFailSaid_)
+    fprintf(stderr, "logd: cannot open the log file \"%s\": %s\n", defaultPath_.c_str(), problem.c_str());
+  defaultFailSaid_ = true;
+  return false;
+}
+
+// The whole lines that keep the file within its cap; a line longer than the
+// cap goes alone into a fresh file, or anywhere once a rotation did not help.
+size_t LogFile::LinesThatFit(std::string_view lines, bool rotated) const {
+  const size_t size = SizeOf(fd_.get());
+  const auto cap = static_cast<size_t>(options_.maxFileBytes);
+  if (cap == 0) return lines.size();
+  const size_t fit = size < cap ? WholeLines(lines.substr(0, cap - size)) : 0;
+  if (fit > 0 || (size > 0 && !rotated)) return fit;
+  return lines.find('\n') + 1;
 }
 
 void LogFile::Write() {
-  if (batch_.empty()) return;
-  // Lines for a file that cannot be opened are dropped: holding them would
-  // only grow logd until the path is fixed.
-  for (size_t done = 0; Open() && done < batch_.size();) {
-    ssize_t wrote = write(fd_, batch_.data() + done, batch_.size() - done);
-    if (wrote < 0 && errno == EINTR) continue;
-    if (wrote <= 0) {
-      if (!complained_)
-        fprintf(stderr, "logd: cannot write the log file \"%s\": %s\n", path_.c_str(), strerror(errno));
-      complained_ = true;
-      break;
+  std::string_view rest = batch_;
+  for (bool rotated = false; !rest.empty();) {
+    // Lines for a file that cannot be opened are dropped: holding them would
+    // only grow logd until the path is fixed.
+    if (!Open()) break;
+    const size_t chunk = LinesThatFit(rest, rotated);
+    if (chunk == 0) {
+      place_.Rotate(options_.keepFiles);
+      fd_.Reset();
+      rotated = true;
+      continue;
     }
-    done += static_cast<size_t>(wrote);
+    WriteChunk(rest.substr(0, chunk));
+    rest.remove_prefix(chunk);
+    rotated = false;
   }
   batch_.clear();
+}
+
+void LogFile::WriteChunk(std::string_view chunk) {
+  const size_t before = SizeOf(fd_.get());
+  size_t done = 0;
+  int error = ENOSPC;  // what a write that takes nothing means
+  while (done < chunk.size()) {
+    const ssize_t wrote = write(fd_.get(), chunk.data() + done, chunk.size() - done);
+    if (wrote < 0 && errno == EINTR) continue;
+    if (wrote < 0) error = errno;
+    if (wrote <= 0) break;
+    done += static_cast<size_t>(wrote);
+  }
+  if (done == chunk.size()) {
+    if (dropped_ > 0)
+      fprintf(stderr, "logd: writing the log file \"%s\" again; %llu lines were dropped\n", openPath_.c_str(),
+              static_cast<unsigned long long>(dropped_));
+    dropped_ = 0;
+    return;
+  }
+  // A torn line is cut off again: the file holds whole lines only.
+  const size_t kept = WholeLines(chunk.substr(0, done));
+  if (ftruncate(fd_.get(), static_cast<off_t>(before + kept)) != 0) fd_.Reset();
+  if (dropped_ == 0)
+    fprintf(stderr, "logd: cannot write the log file \"%s\": %s; dropping whole lines until it can\n",
+            openPath_.c_str(), strerror(error));
+  dropped_ += static_cast<uint64_t>(std::count(chunk.begin() + static_cast<long>(kept), chunk.end(), '\n'));
 }
 
 }  // namespace logd

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "logclient/class_table.h"
 #include "logclient/logclient.h"
 
 namespace logd {
@@ -26,29 +27,40 @@ const std::string& SecondsText(uint32_t seconds, bool withDate) {
   return last;
 }
 
-std::string TimeText(const RecordMessage& record, uint32_t flags) {
-  std::string text = SecondsText(record.seconds, flags & LOG_FLAG_LOGD_DATE);
+std::string TimeText(const timespec& when, uint32_t flags) {
+  std::string text = SecondsText(static_cast<uint32_t>(when.tv_sec), flags & LOG_FLAG_LOGD_DATE);
   if (flags & LOG_FLAG_LOGD_MICROSECONDS) {
     char micros[16];
-    snprintf(micros, sizeof micros, ".%06u", record.micros % 1000000u);
+    snprintf(micros, sizeof micros, ".%06ld", when.tv_nsec / 1000 % 1000000);
     text += micros;
   }
   return text;
 }
 
-// A name from the area's tables, or the number when there is none to look at.
-std::string NameOr(const char* name, unsigned number) { return name ? name : std::to_string(number); }
+// The short name from a table, or the number when it is outside the table.
+template <typename Row, size_t N>
+std::string NameIn(const Row (&table)[N], unsigned number) {
+  return number < N ? table[number].name : std::to_string(number);
+}
+
+std::string PeerText(const Peer& peer) {
+  return "pid=" + std::to_string(peer.pid) + " uid=" + std::to_string(peer.uid);
+}
 
 }  // namespace
 
-std::string RecordLine(const RecordMessage& record, uint32_t flags) {
-  std::string line = TimeText(record, flags);
-  line += ' ' + NameOr(log_get_level_name(record.level), record.level);
-  line += ' ' + NameOr(log_get_class_name(record.logClass), record.logClass);
-  line += ' ' + std::to_string(record.threadId);
+std::string RecordLine(const RecordMessage& record, uint32_t flags, const Peer& peer, const timespec& arrived) {
+  std::string line = TimeText(arrived, flags);
+  line += ' ' + NameIn(logclient::kLogLevelTable, record.level);
+  line += ' ' + NameIn(logclient::kLogClassTable, record.logClass);
+  line += ' ' + PeerText(peer) + " tid=" + std::to_string(record.threadId);
   line += ' ' + EscapedText(record.text);
   line += '\n';
   return line;
+}
+
+std::string SuppressedLine(uint64_t count, uint32_t flags, const Peer& peer, const timespec& now) {
+  return TimeText(now, flags) + " logd: suppressed " + std::to_string(count) + " records of " + PeerText(peer) + "\n";
 }
 
 }  // namespace logd

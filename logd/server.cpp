@@ -1,51 +1,237 @@
 #include "logd/server.h"
 
+#include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <vector>
 
-#include "logclient/logclient.h"
-#include "logd/decoder.h"
+#include "logd/area_values.h"
+#include "logd/client_session.h"
 #include "logd/log_file.h"
-#include "logd/record_line.h"
+#include "logd/unique_fd.h"
 
 namespace logd {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
 
 volatile sig_atomic_t g_stop = 0;
+volatile sig_atomic_t g_reopen = 0;
 
-void RequestStop(int) { g_stop = 1; }
-
-struct Client {
-  int fd;
-  std::vector<unsigned char> pending;
-};
-
-// The area's tuning values, read afresh on every use because any program of
-// the client may change them; the defaults stand in when there is no area.
-int Tuning(int value, int low, int high, int fallback) { return value >= low && value <= high ? value : fallback; }
-int HoldMs() { return Tuning(log_get_tuning_a(), 1, 2000, 200); }
-int DrainSeconds() { return Tuning(log_get_tuning_b(), 0, 100, 2); }
-int MaxClients() { return Tuning(log_get_tuning_c(), 0, 2000, 200); }
-
-uint32_t Flags() {
-  uint32_t flags = 0;
-  return log_get_flags(&flags) ? flags : LOG_FLAG_LOGD_DATE | LOG_FLAG_LOGD_MICROSECONDS;
+void OnSignal(int number) {
+  if (number == SIGHUP)
+    g_reopen = 1;
+  else
+    g_stop = 1;
 }
 
-// The log file the area names now; the field need not be terminated.
-std::string CurrentLogPath() {
-  const char* field = log_get_shared_path();
-  return field ? std::string(field, strnlen(field, 256)) : client_log_file_path();
+// No client can set the limit below this, whatever the area says.
+constexpr long kClientFloor = 16;
+// Descriptors kept for the listener, the log file and its folders, standard streams.
+constexpr long kSpareDescriptors = 16;
+// How long the listener rests when descriptors have run out.
+constexpr milliseconds kAcceptPause{250};
+
+struct Client {
+  Client(int socket, const Peer& peer, const Options& options)
+      : fd(socket), session(peer, options, Moment::Now()) {}
+  UniqueFd fd;
+  ClientSession session;
+};
+
+// The area's limit, raised to the floor and kept below the descriptor limit.
+size_t ClientLimit(int fromArea) {
+  rlimit files{};
+  getrlimit(RLIMIT_NOFILE, &files);
+  const long room = files.rlim_cur == RLIM_INFINITY ? 1L << 20 : static_cast<long>(files.rlim_cur) - kSpareDescriptors;
+  const long wanted = fromArea == 0 ? room : std::max<long>(fromArea, kClientFloor);
+  return static_cast<size_t>(std::max(1L, std::min(wanted, room)));
+}
+
+Peer PeerOf(int fd) {
+  ucred credentials{};
+  socklen_t size = sizeof credentials;
+  getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &credentials, &size);
+  return {credentials.pid, credentials.uid};
+}
+
+int MillisecondsUntil(Clock::time_point when) {
+  if (when == Clock::time_point::max()) return -1;
+  const auto left = std::chrono::duration_cast<milliseconds>(when - Clock::now()).count();
+  return static_cast<int>(std::clamp<long>(left + 1, 0, 1 << 30));
+}
+
+// The earlier of two poll timeouts, -1 meaning none.
+int Sooner(int a, int b) { return a < 0 ? b : b < 0 ? a : std::min(a, b); }
+
+class Server {
+ public:
+  Server(int listener, const ServedPaths& paths, const Options& options, const sigset_t& waitMask)
+      : listener_(listener), paths_(paths), options_(options), waitMask_(waitMask),
+        file_(paths.defaultLog, paths.systemWide, options) {}
+
+  void Run();
+
+ private:
+  bool ServeRound(bool listening, int timeoutMs);
+  bool ServeClient(Client& client);
+  bool TakeBytes(Client& client, const unsigned char* bytes, size_t size);
+  void Accept();
+  void Drop(size_t index, const std::string& why);
+  void DropOverdue();
+  Clock::time_point NextDeadline() const;
+  void TakeQueued();
+  void DrainAfterStop();
+
+  UniqueFd listener_;
+  const ServedPaths& paths_;
+  const Options& options_;
+  const sigset_t& waitMask_;
+  LogFile file_;
+  AreaValues area_;
+  std::vector<std::unique_ptr<Client>> clients_;
+  Clock::time_point acceptPausedUntil_{};
+  bool outOfDescriptorsSaid_ = false;
+};
+
+bool Server::TakeBytes(Client& client, const unsigned char* bytes, size_t size) {
+  SessionOutput out;
+  const bool keep = client.session.Take(bytes, size, Moment::Now(), area_.flags, out);
+  for (const std::string& hello : out.hellos) printf("%s\n", hello.c_str());
+  if (!out.hellos.empty()) fflush(stdout);
+  file_.Add(out.lines, area_.holdMs);
+  return keep;
+}
+
+// False when the client has gone or must go.
+bool Server::ServeClient(Client& client) {
+  unsigned char chunk[65536];
+  const ssize_t got = read(client.fd.get(), chunk, sizeof chunk);
+  if (got < 0 && (errno == EINTR || errno == EAGAIN)) return true;
+  if (got <= 0) return false;
+  return TakeBytes(client, chunk, static_cast<size_t>(got));
+}
+
+void Server::Drop(size_t index, const std::string& why) {
+  Client& client = *clients_[index];
+  if (!why.empty())
+    fprintf(stderr, "logd: dropping client pid=%d uid=%u: %s\n", static_cast<int>(client.session.peer().pid),
+            static_cast<unsigned>(client.session.peer().uid), why.c_str());
+  file_.Add(client.session.SuppressedReport(true, area_.flags, Moment::Now()), area_.holdMs);
+  clients_.erase(clients_.begin() + static_cast<long>(index));
+}
+
+void Server::DropOverdue() {
+  const Clock::time_point now = Clock::now();
+  for (size_t i = clients_.size(); i-- > 0;)
+    if (clients_[i]->session.Deadline() <= now) Drop(i, clients_[i]->session.DeadlineProblem());
+}
+
+Clock::time_point Server::NextDeadline() const {
+  Clock::time_point next = Clock::time_point::max();
+  for (const auto& client : clients_) next = std::min(next, client->session.Deadline());
+  return next;
+}
+
+void Server::Accept() {
+  const int fd = accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC);
+  if (fd < 0) {
+    if (errno != EMFILE && errno != ENFILE && errno != ENOBUFS && errno != ENOMEM) return;
+    // The connection stays queued, so polling the listener again at once would only spin.
+    if (!outOfDescriptorsSaid_) fprintf(stderr, "logd: cannot take a client: %s; pausing\n", strerror(errno));
+    outOfDescriptorsSaid_ = true;
+    acceptPausedUntil_ = Clock::now() + kAcceptPause;
+    return;
+  }
+  outOfDescriptorsSaid_ = false;
+  const size_t limit = ClientLimit(area_.maxClients);
+  if (clients_.size() >= limit) {
+    fprintf(stderr, "logd: turning a client away: %zu clients are served already\n", limit);
+    close(fd);
+    return;
+  }
+  clients_.push_back(std::make_unique<Client>(fd, PeerOf(fd), options_));
+}
+
+// One wait for the listener (when listening) and the clients; false when
+// nothing happened within timeoutMs (-1 waits for a deadline or for ever).
+bool Server::ServeRound(bool listening, int timeoutMs) {
+  area_ = ReadArea(paths_.area);
+  file_.Follow(area_.logPath);
+  std::vector<pollfd> watched;
+  for (const auto& client : clients_) watched.push_back({client->fd.get(), POLLIN, 0});
+  const bool paused = Clock::now() < acceptPausedUntil_;
+  if (listening && !paused) watched.push_back({listener_.get(), POLLIN, 0});
+  int wait = Sooner(timeoutMs, MillisecondsUntil(NextDeadline()));
+  if (listening && paused) wait = Sooner(wait, MillisecondsUntil(acceptPausedUntil_));
+  const timespec timeout{wait / 1000, (wait % 1000) * 1000000L};
+  const int ready = ppoll(watched.data(), watched.size(), wait < 0 ? nullptr : &timeout, &waitMask_);
+  for (size_t i = clients_.size(); ready > 0 && i-- > 0;)
+    if (watched[i].revents != 0 && !ServeClient(*clients_[i]))
+      Drop(i, !clients_[i]->session.problem().empty() ? clients_[i]->session.problem()
+              : clients_[i]->session.holdsPartial() ? "it hung up in the middle of a message" : "");
+  if (ready > 0 && listening && !paused && (watched.back().revents & POLLIN)) Accept();
+  DropOverdue();
+  return ready != 0;  // a signal counts as something happening
+}
+
+// What clients wrote before the stop is queued on their sockets already, and
+// in the listener's backlog for those not yet accepted: take exactly that.
+void Server::TakeQueued() {
+  fcntl(listener_.get(), F_SETFL, O_NONBLOCK);
+  while (true) {
+    const size_t before = clients_.size();
+    Accept();
+    if (clients_.size() == before) break;
+  }
+  for (size_t i = clients_.size(); i-- > 0;) {
+    int queued = 0;
+    ioctl(clients_[i]->fd.get(), FIONREAD, &queued);
+    unsigned char chunk[65536];
+    bool keep = true;
+    for (ssize_t got = 0; keep && queued > 0; queued -= static_cast<int>(got)) {
+      got = read(clients_[i]->fd.get(), chunk, std::min(sizeof chunk, static_cast<size_t>(queued)));
+      keep = got > 0 && TakeBytes(*clients_[i], chunk, static_cast<size_t>(got));
+    }
+    if (!keep) Drop(i, clients_[i]->session.problem());
+  }
+}
+
+// After a stop: what clients are still sending, until they fall quiet for a
+// moment or the drain time is over.
+void Server::DrainAfterStop() {
+  const auto end = Clock::now() + std::chrono::seconds(area_.drainSeconds);
+  constexpr auto kQuiet = milliseconds(50);
+  while (!clients_.empty() && Clock::now() < end) {
+    const auto left = std::chrono::duration_cast<milliseconds>(end - Clock::now());
+    if (!ServeRound(false, static_cast<int>(std::min(left, kQuiet).count()))) break;
+  }
+}
+
+void Server::Run() {
+  while (!g_stop) {
+    if (g_reopen) file_.Reopen();
+    g_reopen = 0;
+    ServeRound(true, file_.MillisecondsUntilDue());
+    file_.WriteIfDue();
+  }
+  TakeQueued();
+  listener_.Reset();
+  unlink(paths_.socket.c_str());
+  DrainAfterStop();
+  while (!clients_.empty()) Drop(clients_.size() - 1, "");
+  file_.Write();
 }
 
 sockaddr_un Address(const std::string& path) {
@@ -56,114 +242,33 @@ sockaddr_un Address(const std::string& path) {
 }
 
 bool SomeoneAnswers(const std::string& path) {
-  int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  UniqueFd fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_un address = Address(path);
-  bool answers = fd >= 0 && connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-  if (fd >= 0) close(fd);
-  return answers;
-}
-
-// Writes out every complete message; false when the client must be dropped.
-bool TakeMessages(Client& client, LogFile& file) {
-  size_t offset = 0;
-  const uint32_t flags = Flags();
-  file.Follow(CurrentLogPath());
-  for (;;) {
-    Decoded message = DecodeMessage(client.pending.data() + offset, client.pending.size() - offset);
-    if (message.status == DecodeStatus::kIncomplete) break;
-    if (message.status == DecodeStatus::kMalformed) {
-      fprintf(stderr, "logd: dropping client %d: %s\n", client.fd, message.problem.c_str());
-      return false;
-    }
-    if (message.status == DecodeStatus::kHello) {
-      printf("%s\n", DescribeMessage(message).c_str());
-      fflush(stdout);
-    } else {
-      file.Add(RecordLine(message.record, flags), HoldMs());
-    }
-    offset += message.consumed;
-  }
-  client.pending.erase(client.pending.begin(), client.pending.begin() + static_cast<long>(offset));
-  return true;
-}
-
-// False when the client has gone (or must go).
-bool ServeClient(Client& client, LogFile& file) {
-  unsigned char chunk[65536];
-  ssize_t got = read(client.fd, chunk, sizeof chunk);
-  if (got < 0 && (errno == EINTR || errno == EAGAIN)) return true;
-  if (got == 0 && !client.pending.empty())
-    fprintf(stderr, "logd: dropping client %d: it hung up in the middle of a message\n", client.fd);
-  if (got <= 0) return false;
-  client.pending.insert(client.pending.end(), chunk, chunk + got);
-  return TakeMessages(client, file);
-}
-
-void Accept(int listener, std::vector<Client>& clients) {
-  int fd = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-  if (fd < 0) return;
-  const int limit = MaxClients();
-  if (limit > 0 && clients.size() >= static_cast<size_t>(limit)) {
-    fprintf(stderr, "logd: turning a client away: %d clients are served already\n", limit);
-    close(fd);
-    return;
-  }
-  clients.push_back({fd, {}});
-}
-
-// One wait for the listener (when >= 0) and the clients; false when nothing
-// happened within timeoutMs (-1 waits for ever).
-bool ServeRound(int listener, std::vector<Client>& clients, LogFile& file, int timeoutMs,
-                const sigset_t& waitMask) {
-  std::vector<pollfd> watched;
-  for (const Client& client : clients) watched.push_back({client.fd, POLLIN, 0});
-  if (listener >= 0) watched.push_back({listener, POLLIN, 0});
-  timespec timeout{timeoutMs / 1000, (timeoutMs % 1000) * 1000000L};
-  int ready = ppoll(watched.data(), watched.size(), timeoutMs < 0 ? nullptr : &timeout, &waitMask);
-  if (ready <= 0) return ready < 0;  // a signal counts as something happening
-  for (size_t i = clients.size(); i-- > 0;) {
-    if (watched[i].revents == 0 || ServeClient(clients[i], file)) continue;
-    close(clients[i].fd);
-    clients.erase(clients.begin() + static_cast<long>(i));
-  }
-  if (listener >= 0 && (watched.back().revents & POLLIN)) Accept(listener, clients);
-  return true;
-}
-
-// After a stop: what clients are still sending, until they fall quiet for a
-// moment or the drain time is over.
-void Drain(std::vector<Client>& clients, LogFile& file, const sigset_t& waitMask) {
-  const auto end = Clock::now() + std::chrono::seconds(DrainSeconds());
-  constexpr auto kQuiet = std::chrono::milliseconds(50);
-  while (!clients.empty() && Clock::now() < end) {
-    auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
-    if (!ServeRound(-1, clients, file, static_cast<int>(std::min(left, kQuiet).count()), waitMask)) break;
-  }
+  return fd.valid() && connect(fd.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
 }
 
 }  // namespace
 
-sigset_t BlockStopSignals() {
+sigset_t BlockSignals() {
   struct sigaction action {};
-  action.sa_handler = RequestStop;
+  action.sa_handler = OnSignal;
   sigemptyset(&action.sa_mask);
-  sigaction(SIGTERM, &action, nullptr);
-  sigaction(SIGINT, &action, nullptr);
+  sigset_t handled, previous;
+  sigemptyset(&handled);
+  for (int number : {SIGTERM, SIGINT, SIGHUP}) {
+    sigaction(number, &action, nullptr);
+    sigaddset(&handled, number);
+  }
   // A client that goes away must not take logd with it.
   signal(SIGPIPE, SIG_IGN);
-  sigset_t stopSignals, previous;
-  sigemptyset(&stopSignals);
-  sigaddset(&stopSignals, SIGTERM);
-  sigaddset(&stopSignals, SIGINT);
-  sigprocmask(SIG_BLOCK, &stopSignals, &previous);
-  sigdelset(&previous, SIGTERM);
-  sigdelset(&previous, SIGINT);
+  sigprocmask(SIG_BLOCK, &handled, &previous);
+  for (int number : {SIGTERM, SIGINT, SIGHUP}) sigdelset(&previous, number);
   return previous;
 }
 
 // Binds under a temporary name and renames into place, so the socket path
 // appears only once connections are accepted (a stale socket is replaced).
-int Listen(const std::string& path) {
+int Listen(const std::string& path, mode_t mode) {
   const std::string staging = path + ".starting";
   if (staging.size() >= sizeof(sockaddr_un::sun_path)) {
     fprintf(stderr, "logd: socket path too long: %s\n", path.c_str());
@@ -174,30 +279,22 @@ int Listen(const std::string& path) {
     return -1;
   }
   sockaddr_un address = Address(staging);
-  int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  UniqueFd fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   unlink(staging.c_str());
-  if (fd < 0 || bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-      listen(fd, SOMAXCONN) != 0 || rename(staging.c_str(), path.c_str()) != 0) {
+  // The socket file takes its mode from the mask at bind, whatever logd inherited.
+  const mode_t inherited = umask(~mode & 0777);
+  const bool bound = fd.valid() && bind(fd.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+  umask(inherited);
+  if (!bound || listen(fd.get(), SOMAXCONN) != 0 || rename(staging.c_str(), path.c_str()) != 0) {
     fprintf(stderr, "logd: cannot listen on %s: %s\n", path.c_str(), strerror(errno));
-    if (fd >= 0) close(fd);
     unlink(staging.c_str());
     return -1;
   }
-  return fd;
+  return fd.Release();
 }
 
-void Serve(int listener, const std::string& path, const sigset_t& waitMask) {
-  std::vector<Client> clients;
-  LogFile file;
-  while (!g_stop) {
-    ServeRound(listener, clients, file, file.MillisecondsUntilDue(), waitMask);
-    file.WriteIfDue();
-  }
-  close(listener);
-  unlink(path.c_str());
-  Drain(clients, file, waitMask);
-  file.Write();
-  for (const Client& client : clients) close(client.fd);
+void Serve(int listener, const ServedPaths& paths, const Options& options, const sigset_t& waitMask) {
+  Server(listener, paths, options, waitMask).Run();
 }
 
 }  // namespace logd

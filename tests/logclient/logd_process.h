@@ -27,11 +27,15 @@ inline std::filesystem::path DefaultLogFile(const std::filesystem::path& home) {
 class LogdProcess {
  public:
   // Waits until the socket exists; its output and errors go to logd.err in home.
-  explicit LogdProcess(const std::filesystem::path& home) : home_(home) {
+  explicit LogdProcess(const std::filesystem::path& home, std::vector<std::string> options = {},
+                       const std::string& socket = {})
+      : home_(home) {
     std::filesystem::create_directories(home);
     testsupport::ScopedEnv homeEnv("HOME", home.c_str());
-    pid_ = testsupport::StartProgram({LOGD_PATH}, (home / "logd.err").c_str());
-    listening_ = testsupport::WaitUntil([&] { return std::filesystem::exists(SocketPathFor(home.string())); }, 10);
+    options.insert(options.begin(), LOGD_PATH);
+    pid_ = testsupport::StartProgram(options, (home / "logd.err").c_str());
+    const std::string socketPath = socket.empty() ? SocketPathFor(home.string()) : socket;
+    listening_ = testsupport::WaitUntil([&] { return std::filesystem::exists(socketPath); }, 10);
   }
   ~LogdProcess() { Stop(); }
   LogdProcess(const LogdProcess&) = delete;
@@ -39,16 +43,17 @@ class LogdProcess {
   bool listening() const { return listening_; }
   std::string Errors() const { return testsupport::ReadFile(home_ / "logd.err"); }
   // The lines of the home's client log once it has count of them, or after 10 s.
-  std::vector<std::string> WaitForLines(size_t count) const {
+  std::vector<std::string> WaitForLines(size_t count, const std::filesystem::path& file = {}) const {
     std::vector<std::string> lines;
     testsupport::WaitUntil([&] {
-      std::istringstream text(testsupport::ReadFile(DefaultLogFile(home_)));
+      std::istringstream text(testsupport::ReadFile(file.empty() ? DefaultLogFile(home_) : file));
       lines.clear();
       for (std::string line; std::getline(text, line);) lines.push_back(line);
       return lines.size() >= count;
     }, 10);
     return lines;
   }
+  pid_t pid() const { return pid_; }
   int Stop() {  // SIGTERM; the exit code
     if (pid_ > 0) kill(pid_, SIGTERM);
     const int code = pid_ > 0 ? testsupport::ExitCodeOf(pid_) : -1;
