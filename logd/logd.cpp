@@ -43,6 +43,9 @@ int main(int argc, char** argv) {
     fprintf(stderr, "logd: no socket path (no home folder?)\n");
     return 1;
   }
+  // Only the standard streams stay: whatever logd inherited, and what the
+  // library's mode test leaves open, would take a client's descriptor.
+  close_range(3, ~0U, 0);
   // Root's own groups must never open a user's folder for it.
   if (geteuid() == 0) setgroups(0, nullptr);
   RaiseDescriptorLimit();

@@ -167,8 +167,6 @@ void Server::Accept() {
 // One wait for the listener (when listening) and the clients; false when
 // nothing happened within timeoutMs (-1 waits for a deadline or for ever).
 bool Server::ServeRound(bool listening, int timeoutMs) {
-  area_ = ReadArea(paths_.area);
-  file_.Follow(area_.logPath);
   std::vector<pollfd> watched;
   for (const auto& client : clients_) watched.push_back({client->fd.get(), POLLIN, 0});
   const bool paused = Clock::now() < acceptPausedUntil_;
@@ -177,6 +175,9 @@ bool Server::ServeRound(bool listening, int timeoutMs) {
   if (listening && paused) wait = Sooner(wait, MillisecondsUntil(acceptPausedUntil_));
   const timespec timeout{wait / 1000, (wait % 1000) * 1000000L};
   const int ready = ppoll(watched.data(), watched.size(), wait < 0 ? nullptr : &timeout, &waitMask_);
+  // Read after the wait, so what arrived follows the area as it is now.
+  area_ = ReadArea(paths_.area);
+  file_.Follow(area_.logPath);
   for (size_t i = clients_.size(); ready > 0 && i-- > 0;)
     if (watched[i].revents != 0 && !ServeClient(*clients_[i]))
       Drop(i, !clients_[i]->session.problem().empty() ? clients_[i]->session.problem()

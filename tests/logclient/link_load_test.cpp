@@ -139,7 +139,7 @@ void SendBadClients(const std::string& socketPath) {
 TEST(LogdLoad, EveryRecordOfTwoProcessesArrivesWholeOnceAndBadClientsAreDropped) {
   if (log_system_wide_mode()) GTEST_SKIP() << kSystemWideHere;
   testsupport::TempDir home;
-  LogdProcess logd(home.path(), {"--rate-burst", "0"});
+  LogdProcess logd(home.path(), {LOGD_PATH, "--rate-burst", "0"});
   ASSERT_TRUE(logd.listening());
   const std::string socketPath = SocketPathFor(home.str());
   std::vector<pid_t> writers;

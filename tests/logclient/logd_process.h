@@ -13,7 +13,9 @@
 #include <string>
 #include <vector>
 
+#include "logclient/config_area.h"
 #include "logclient/logclient.h"
+#include "logclient/wire_format.h"
 #include "support/fixtures.h"
 #include "support/processes.h"
 
@@ -27,13 +29,12 @@ inline std::filesystem::path DefaultLogFile(const std::filesystem::path& home) {
 class LogdProcess {
  public:
   // Waits until the socket exists; its output and errors go to logd.err in home.
-  explicit LogdProcess(const std::filesystem::path& home, std::vector<std::string> options = {},
+  explicit LogdProcess(const std::filesystem::path& home, const std::vector<std::string>& command = {LOGD_PATH},
                        const std::string& socket = {})
       : home_(home) {
     std::filesystem::create_directories(home);
     testsupport::ScopedEnv homeEnv("HOME", home.c_str());
-    options.insert(options.begin(), LOGD_PATH);
-    pid_ = testsupport::StartProgram(options, (home / "logd.err").c_str());
+    pid_ = testsupport::StartProgram(command, (home / "logd.err").c_str());
     const std::string socketPath = socket.empty() ? SocketPathFor(home.string()) : socket;
     listening_ = testsupport::WaitUntil([&] { return std::filesystem::exists(socketPath); }, 10);
   }
@@ -93,6 +94,30 @@ inline int ConnectTo(const std::string& path) {
   const timeval patience{5, 0};
   setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
   return connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
+}
+
+// A record as the library sends it, with whatever thread id and time it claims.
+inline std::string RecordBytes(const std::string& text, uint16_t tid = 7, uint32_t seconds = 0) {
+  using namespace logclient::wire;
+  std::string bytes(kHeaderSize + kRecordFixedSize + text.size() + 1, '\0');
+  auto* at = reinterpret_cast<unsigned char*>(bytes.data());
+  PutHeader(at, bytes.size() - kHeaderSize, kTypeRecord);
+  PutU16(at + kHeaderSize + kRecordLevel, LOG_LEVEL_AOL);
+  PutU16(at + kHeaderSize + kRecordThread, tid);
+  PutU32(at + kHeaderSize + kRecordSeconds, seconds);
+  text.copy(bytes.data() + kHeaderSize + kRecordFixedSize, text.size());
+  return bytes;
+}
+
+// An area image naming logPath, with drain time B, client limit C and hold time A.
+inline void WriteArea(const std::string& file, const std::string& logPath, int32_t drain = 2, int32_t clients = 200,
+                      int32_t holdMs = 1) {
+  logclient::ConfigArea area{};
+  area.flags = LOG_FLAG_LOGD_DATE | LOG_FLAG_LOGD_MICROSECONDS;
+  logPath.copy(area.path, sizeof area.path);
+  area.tuningA = holdMs, area.tuningB = drain, area.tuningC = clients;
+  area.magic = logclient::kAreaMagic;
+  testsupport::WriteFile(file, std::string(reinterpret_cast<const char*>(&area), sizeof area), 0666);
 }
 
 inline constexpr const char* kSystemWideHere = "the client runs system-wide here: area and socket are /var/log/norvex's";
