@@ -67,8 +67,9 @@ bool LogFile::OpenAt(const std::string& path, std::string& problem) {
 }
 
 bool LogFile::Open() {
-  // A file deleted or renamed under logd is followed no further.
-  if (fd_.valid() && place_.Holds(fd_.get())) return true;
+  // A file deleted or renamed under logd is followed no further, and a
+  // refused path is tried again, in case it has been put right.
+  if (fd_.valid() && openPath_ == path_ && place_.Holds(fd_.get())) return true;
   fd_.Reset();
   std::string problem;
   if (OpenAt(path_, problem)) return true;
