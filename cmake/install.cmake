@@ -62,6 +62,8 @@ if(TARGET logd)
           RENAME norvex-logd.service COMPONENT logd EXCLUDE_FROM_ALL)
   install(FILES ${PROJECT_SOURCE_DIR}/data/copyright ${CMAKE_BINARY_DIR}/data/changelog.gz
           DESTINATION ${NORVEX_SYSTEM_DATADIR}/doc/norvex-logd COMPONENT logd EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_SOURCE_DIR}/logd/lintian-overrides DESTINATION ${NORVEX_SYSTEM_DATADIR}/lintian/overrides
+          RENAME norvex-logd COMPONENT logd EXCLUDE_FROM_ALL)
 endif()
 
 configure_file(${PROJECT_SOURCE_DIR}/data/${NORVEX_APP_ID}.desktop.in
