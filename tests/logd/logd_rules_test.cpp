@@ -113,12 +113,17 @@ TEST_F(LogdRules, TheClientLimitHasAFloorStaysBelowTheDescriptorsAndRunningOutDo
     for (int i = 0; i < 12; ++i) SendOn(clients[i], RecordBytes("client " + std::to_string(i)));
     EXPECT_EQ(logd.WaitForLines(12).size(), 12u) << logd.Errors();
   }
-  for (int limit : {4, 24}) {
+#ifdef __SANITIZE_ADDRESS__
+  constexpr int kFewest = 6;  // the sanitizer runtime needs one more descriptor to start
+#else
+  constexpr int kFewest = 5;  // one client, then accept runs out
+#endif
+  for (int limit : {kFewest, 24}) {
     LogdProcess logd(home_.path(), {"prlimit", "--nofile=" + std::to_string(limit), LOGD_PATH});
     ASSERT_TRUE(logd.listening());
     WriteArea(Area(), "", 2, 0);
     for (int i = 0; i < 12; ++i) clients.push_back(ConnectTo(SocketPathFor(home_.str())));
-    const std::string said = limit == 24 ? "away: 8 clients are served" : "cannot take a client";
+    const std::string said = limit == 24 ? "away: 8 clients are served" : limit == 5 ? "cannot take a client" : "away: 1 ";
     EXPECT_TRUE(testsupport::WaitUntil([&] { return logd.Errors().find(said) != std::string::npos; }, 10))
         << logd.Errors();
     const long before = CpuTicks(logd.pid());
