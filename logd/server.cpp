@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -91,7 +90,6 @@ class Server {
   void Drop(size_t index, const std::string& why);
   void DropOverdue();
   Clock::time_point NextDeadline() const;
-  void TakeQueued();
   void DrainAfterStop();
 
   UniqueFd listener_;
@@ -174,6 +172,9 @@ bool Server::ServeRound(bool listening, int timeoutMs) {
   int wait = Sooner(timeoutMs, MillisecondsUntil(NextDeadline()));
   if (listening && paused) wait = Sooner(wait, MillisecondsUntil(acceptPausedUntil_));
   const timespec timeout{wait / 1000, (wait % 1000) * 1000000L};
+  // The stop signals are open only in here, and the kernel delivers them only
+  // when ppoll finds nothing ready: by the time a stop is seen, every record
+  // clients had written before it, and every connection waiting, is taken.
   const int ready = ppoll(watched.data(), watched.size(), wait < 0 ? nullptr : &timeout, &waitMask_);
   // Read after the wait, so what arrived follows the area as it is now.
   area_ = ReadArea(paths_.area);
@@ -185,28 +186,6 @@ bool Server::ServeRound(bool listening, int timeoutMs) {
   if (ready > 0 && listening && !paused && (watched.back().revents & POLLIN)) Accept();
   DropOverdue();
   return ready != 0;  // a signal counts as something happening
-}
-
-// What clients wrote before the stop is queued on their sockets already, and
-// in the listener's backlog for those not yet accepted: take exactly that.
-void Server::TakeQueued() {
-  fcntl(listener_.get(), F_SETFL, O_NONBLOCK);
-  while (true) {
-    const size_t before = clients_.size();
-    Accept();
-    if (clients_.size() == before) break;
-  }
-  for (size_t i = clients_.size(); i-- > 0;) {
-    int queued = 0;
-    ioctl(clients_[i]->fd.get(), FIONREAD, &queued);
-    unsigned char chunk[65536];
-    bool keep = true;
-    for (ssize_t got = 0; keep && queued > 0; queued -= static_cast<int>(got)) {
-      got = read(clients_[i]->fd.get(), chunk, std::min(sizeof chunk, static_cast<size_t>(queued)));
-      keep = got > 0 && TakeBytes(*clients_[i], chunk, static_cast<size_t>(got));
-    }
-    if (!keep) Drop(i, clients_[i]->session.problem());
-  }
 }
 
 // After a stop: what clients are still sending, until they fall quiet for a
@@ -227,7 +206,6 @@ void Server::Run() {
     ServeRound(true, file_.MillisecondsUntilDue());
     file_.WriteIfDue();
   }
-  TakeQueued();
   listener_.Reset();
   unlink(paths_.socket.c_str());
   DrainAfterStop();
