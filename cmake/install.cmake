@@ -46,6 +46,31 @@ if(TARGET logmgr AND TARGET logclient)
   endif()" COMPONENT client)
 endif()
 
+find_program(NORVEX_GZIP gzip REQUIRED)
+# logd in a package of its own at system places: the daemon, its man page
+# and the system and user units. It carries the library's objects itself.
+if(TARGET logd)
+  install(TARGETS logd RUNTIME DESTINATION /usr/sbin COMPONENT logd EXCLUDE_FROM_ALL)
+  install(CODE "if(CMAKE_INSTALL_DO_STRIP)
+    execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment --remove-section=.note
+                    \"\$ENV{DESTDIR}/usr/sbin/$<TARGET_FILE_NAME:logd>\" COMMAND_ERROR_IS_FATAL ANY)
+  endif()" COMPONENT logd EXCLUDE_FROM_ALL)
+  add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/data/logd.8.gz
+    COMMAND ${NORVEX_GZIP} -9 -n -c ${PROJECT_SOURCE_DIR}/logd/logd.8 > ${CMAKE_BINARY_DIR}/data/logd.8.gz
+    DEPENDS ${PROJECT_SOURCE_DIR}/logd/logd.8)
+  add_custom_target(logd_man_page ALL DEPENDS ${CMAKE_BINARY_DIR}/data/logd.8.gz)
+  install(FILES ${CMAKE_BINARY_DIR}/data/logd.8.gz DESTINATION ${NORVEX_SYSTEM_DATADIR}/man/man8
+          COMPONENT logd EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_SOURCE_DIR}/logd/norvex-logd.service DESTINATION /lib/systemd/system
+          COMPONENT logd EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_SOURCE_DIR}/logd/norvex-logd-user.service DESTINATION /usr/lib/systemd/user
+          RENAME norvex-logd.service COMPONENT logd EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_SOURCE_DIR}/data/copyright ${CMAKE_BINARY_DIR}/data/changelog.gz
+          DESTINATION ${NORVEX_SYSTEM_DATADIR}/doc/norvex-logd COMPONENT logd EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_SOURCE_DIR}/logd/lintian-overrides DESTINATION ${NORVEX_SYSTEM_DATADIR}/lintian/overrides
+          RENAME norvex-logd COMPONENT logd EXCLUDE_FROM_ALL)
+endif()
+
 configure_file(${PROJECT_SOURCE_DIR}/data/${NORVEX_APP_ID}.desktop.in
                ${CMAKE_BINARY_DIR}/data/${NORVEX_APP_ID}.desktop @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/data/${NORVEX_APP_ID}.desktop

@@ -11,7 +11,7 @@ set(CPACK_STRIP_FILES ON)
 # Each package's description below starts with its own summary line.
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
-set(CPACK_COMPONENTS_ALL client system dev dev-system)
+set(CPACK_COMPONENTS_ALL client system dev dev-system logd)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://www.norvex.example/")
@@ -44,6 +44,18 @@ set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 string(JOIN "" CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION ${CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${NORVEX_PACKAGE_NAME} (= ${PROJECT_VERSION})")
 
+# The log daemon, for the system-wide mode or one user's.
+set(CPACK_DEBIAN_DAEMON_PACKAGE_NAME norvex-logd)
+set(CPACK_DEBIAN_DAEMON_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_DAEMON_DESCRIPTION
+    "Norvex client log daemon\n"
+    "logd takes the records of the Norvex remote-desktop client's programs and\n"
+    "writes them to the client's log file, for all users of the machine (the\n"
+    "system unit) or for one user (the user unit). It writes only into the log\n"
+    "folders it serves, with each user's own rights there.")
+string(JOIN "" CPACK_DEBIAN_DAEMON_DESCRIPTION ${CPACK_DEBIAN_DAEMON_DESCRIPTION})
+set(CPACK_DEBIAN_DAEMON_PACKAGE_SHLIBDEPS ON)
+
 include(CPack)
 cpack_add_component_group(runtime)
 cpack_add_component_group(development)
@@ -51,3 +63,5 @@ cpack_add_component(client GROUP runtime)
 cpack_add_component(system GROUP runtime)
 cpack_add_component(dev GROUP development)
 cpack_add_component(dev-system GROUP development)
+cpack_add_component_group(daemon)
+cpack_add_component(logd GROUP daemon)

@@ -111,9 +111,12 @@ LOGCLIENT_API const char* log_get_shared_path(void);
  *    before it appends them to the log file (it writes sooner when many
  *    arrive, and always before it follows a new log file path);
  *  B 0..100, default 2: seconds a stopping logd keeps taking records that
- *    its clients are still sending (it stops sooner once they fall quiet);
+ *    its clients are still sending after it has written all they had sent
+ *    before the stop (it stops sooner once they fall quiet);
  *  C 0..2000, default 200: clients logd serves at once, further ones are
- *    turned away; 0 means no limit. */
+ *    turned away; 0 means as many as its descriptors allow. logd never
+ *    serves fewer than 16 nor more than its descriptor limit allows.
+ * logd reads a copy of the area; values out of range count as the defaults. */
 LOGCLIENT_API int log_set_tuning_a(int value);
 LOGCLIENT_API int log_set_tuning_b(int value);
 LOGCLIENT_API int log_set_tuning_c(int value);
@@ -125,9 +128,10 @@ LOGCLIENT_API int log_get_tuning_c(void);
  * logd link and record writer
  *
  * logd appends every record it receives to the log file named in the area
- * as one line: the record's time, the level's and the class's short names,
- * the thread id and the text, with control characters escaped, for example
- *   2026-11-23 14:05:09.123456 VERBOSE LOG_CONNECT 4321 [main]: connected
+ * as one line: the time it arrived, the level's and the class's short names,
+ * the sender's process and user id (from the socket, not the record), the
+ * thread id and the text, with control characters escaped, for example
+ *   2026-11-23 14:05:09.123456 VERBOSE LOG_CONNECT pid=1234 uid=1000 tid=4321 [main]: connected
  * ------------------------------------------------------------------------ */
 
 /* Opens the system log as "norvex-<program>", maps the area and connects to

@@ -114,7 +114,7 @@ const std::string kLongTail(8000, 'x');
 void TakeLine(const std::string& line, std::map<std::string, int>& next) {
   char level[16] = "", logClass[32] = "", prefix[16] = "", tag = 0;
   int thread = -1, number = -1, end = 0;
-  ASSERT_EQ(6, sscanf(line.c_str(), "%*s %*s %15s %31s %*d [%15[^]]]: %c t%d n%d%n", level, logClass, prefix, &tag,
+  ASSERT_EQ(6, sscanf(line.c_str(), "%*s %*s %15s %31s pid=%*d uid=%*d tid=%*d [%15[^]]]: %c t%d n%d%n", level, logClass, prefix, &tag,
                       &thread, &number, &end)) << line.substr(0, 100);
   EXPECT_EQ(std::string(level) + " " + logClass, "ERROR LOG_CONNECT");
   const std::string writer = tag + std::string("-t") + std::to_string(thread);
@@ -139,7 +139,7 @@ void SendBadClients(const std::string& socketPath) {
 TEST(LogdLoad, EveryRecordOfTwoProcessesArrivesWholeOnceAndBadClientsAreDropped) {
   if (log_system_wide_mode()) GTEST_SKIP() << kSystemWideHere;
   testsupport::TempDir home;
-  LogdProcess logd(home.path());
+  LogdProcess logd(home.path(), {LOGD_PATH, "--rate-burst", "0"});
   ASSERT_TRUE(logd.listening());
   const std::string socketPath = SocketPathFor(home.str());
   std::vector<pid_t> writers;

@@ -1,4 +1,4 @@
-#include "tools/logd/decoder.h"
+#include "logd/decoder.h"
 
 #include <cstdio>
 #include <cstring>
