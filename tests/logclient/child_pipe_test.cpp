@@ -30,7 +30,8 @@ TEST(ChildPipe, RefusesEveryModeButRAndWAndSilencesWhatItIsAskedTo) {
   for (std::string mode : {"rw", "R", "", "W"}) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(child_popen_ex(argv, mode.c_str(), &pid, 0, 0, &error), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), ": 93 Invalid Parameter mode \"[" + mode + "]\", only allow \"r\" or \"w\"\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              ": 93 Invalid Parameter mode \"[" + mode + "]\", only allow \"r\" or \"w\"\n");
     EXPECT_TRUE(error.stage == CHILD_PIPE_STAGE_MODE && error.saved_errno == EINVAL && pid == 0) << mode;
   }
   testing::internal::CaptureStdout();
