@@ -39,7 +39,7 @@ bench: deps
 	bench/run
 
 # Applies each deliberate fault of tests/faults/ to a scratch copy and checks
-# that some test fails; slow, so not run by CI.
+# that some test fails, in a kept build under build/fault-check; not run by CI.
 .PHONY: fault-check
 fault-check: deps
 	tools/fault-check

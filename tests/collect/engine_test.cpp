@@ -5,6 +5,7 @@
 #include <sys/utsname.h>
 
 #include <algorithm>
+#include <set>
 
 #include "app/app.h"
 #include "collect/timestamp.h"
@@ -38,6 +39,12 @@ TEST_F(Engine, RunnerJudgesExitCodesAndSignalsAndPassesWordsWithoutAShell) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "Child process terminated with exit status: 1\nChild process terminated with signal: 9\n");
   EXPECT_TRUE(fs::exists(scratch_ / "a b;c"));
+  // The opener is looked for, not run.
+  LinkSystemTools(scratch_ / "bin", {"which"});
+  ScopedEnv path("PATH", (scratch_ / "bin").c_str());
+  EXPECT_FALSE(app_.IsXdgOpenAvailable());
+  WriteScript(scratch_ / "bin/xdg-open", "exit 1");
+  EXPECT_TRUE(app_.IsXdgOpenAvailable());
 }
 
 TEST_F(Engine, CopiesAreTheUsersWithDefaultModeAndMakeOneMissingFolderLevel) {
@@ -74,6 +81,24 @@ TEST_F(Engine, EachLatestFileAloneMeansRecentLogsAndTheMarkerIsKeptAsFound) {
   EXPECT_TRUE(app_.EnableKvlog() && fs::is_empty(marker));
 }
 
+TEST_F(Engine, StagedLogsComeFromTheirSourcesAndAnySavedArchiveTakesOnlyThemAway) {
+  fs::remove_all(home_ / ".ORBClient");
+  EXPECT_FALSE(app_.IssueReproduceFolderExists());
+  EXPECT_TRUE(app_.CreateIssueReproduceFolder() && app_.IssueReproduceFolderExists());
+  fs::remove(app_.issueFolder);
+  WriteFile(app_.systemClientLog, "system");
+  WriteFile(app_.existingClientLog, "user copy");
+  WriteFile(app_.existingKeywardLog, "keyward");
+  EXPECT_TRUE(app_.StageKeywardLog() && app_.StageClientLog());
+  EXPECT_EQ(ReadFile(app_.issueClientLog) + ReadFile(app_.issueKeywardLog), "systemkeyward");
+  for (const char* name : {"kvlog.1", "userActivitylog.2", "userActivity.3", "UserSystemInfo.txt"})
+    WriteFile(app_.issueFolder / name, "x");
+  WriteFile(app_.existingArchive, "archive");
+  EXPECT_TRUE(app_.CopyChosenArchive(app_.existingArchive, scratch_ / "kept.tar.gz", nullptr));
+  std::set<fs::path> left(fs::directory_iterator(app_.issueFolder), fs::directory_iterator());
+  EXPECT_EQ(left, (std::set<fs::path>{app_.issueFolder / "UserSystemInfo.txt", app_.issueFolder / "userActivity.3"}));
+}
+
 TEST_F(Engine, ListingTakesTheWholeActivityFamilyFirstAndSplitsAtLineFeedsOnly) {
   const std::string logs = app_.logsFolder.string(), issue = app_.issueFolder.string();
   for (const std::string& name : {logs + "kvlog.2", logs + "userActivityTrace", logs + "ORBClient.log",
@@ -86,6 +111,21 @@ TEST_F(Engine, ListingTakesTheWholeActivityFamilyFirstAndSplitsAtLineFeedsOnly) 
   std::sort(list.begin() + 2, list.end());
   EXPECT_EQ(list, (App::FileList{"/listed/before", logs + "userActivityTrace", "lines", issue + "kvlog.cr\r",
                                  issue + "kvlog.two", logs + "kvlog.2"}));
+  testing::internal::CaptureStderr();
+  app_.FindFiles(scratch_ / "missing", "kvlog*", list);
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("Error executing find command.\n"), std::string::npos);
+  EXPECT_TRUE(list.size() == 6 && fs::exists(app_.tempListFile)) << "the list file stays until the next listing";
+}
+
+TEST_F(Engine, ArchiveCodesNothingOneWrittenZeroFailedTwoAndKeepsBaseNames) {
+  const fs::path one = scratch_ / "one/same.log", two = scratch_ / "two/same.log", archive = scratch_ / "a.tar.gz";
+  WriteFile(one, "1");
+  WriteFile(two, "2");
+  EXPECT_EQ(app_.CreateArchive({}, archive) + app_.CreateArchive({scratch_ / "gone"}, archive), 2);
+  EXPECT_FALSE(fs::exists(archive));
+  EXPECT_EQ(app_.CreateArchive({one, scratch_ / "gone", two}, archive), 0);
+  EXPECT_EQ(RunAndCapture("tar -tzf " + archive.string()), "same.log\nsame.log\n");
+  EXPECT_EQ(app_.CreateArchive({one}, (scratch_ / "gone/a.tar.gz").string()), 2);
 }
 
 TEST(ArchiveTime, ReadsOnTheTwelveHourClockWithoutAmPm) {
@@ -97,7 +137,7 @@ TEST(ArchiveTime, ReadsOnTheTwelveHourClockWithoutAmPm) {
 TEST_F(Engine, SystemReportListsTheWatchedProcessesThatRunInOrder) {
   WriteFile(root_ / ("pkginf/Ver.core." + PlatformFolderName()), "VERSION=23.9.0.1\n");
   // A pgrep of our own, so that what runs on the machine does not matter.
-  WriteScript(scratch_ / "bin/pgrep", "case $1 in SvcLedger) echo 42;; KeywardDaemon) echo 7; echo 8;; esac");
+  WriteScript(scratch_ / "bin/pgrep", "case $1 in shelfscan) ;; KeywardDaemon) echo 7; echo 8;; *) echo ${#1};; esac");
   ScopedEnv path("PATH", (scratch_.str() + "/bin:" + getenv("PATH")).c_str());
   utsname names{};
   uname(&names);
@@ -106,5 +146,27 @@ TEST_F(Engine, SystemReportListsTheWatchedProcessesThatRunInOrder) {
             "##### User System Information ###### \n\nOS Version: " + std::string(names.release) + "\nOS Detail: " +
                 GetOsIdentification(&kDefaultOsQueryLimits) +
                 "\nNDC Version Installed: 23.9.0.1###### NDC Linux Processes ######\n\n"
-                "KeywardDaemon:7\n8\n\nSvcLedger:42\n\n");
+                "KeywardDaemon:7\n8\n\nappshelf:8\n\nSvcLedger:9\n\n");
+  testing::internal::CaptureStdout();
+  app_.WriteUserSystemInfo(scratch_ / "gone/UserSystemInfo.txt");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Unable to open UserSystemInfo file.\n");
+}
+
+TEST_F(Engine, DiagnosticsFillTheCollectedFolderWhateverStepFailsAndCrossTheConfigurations) {
+  WriteFile(scratch_ / "dump.txt", "environment");
+  WriteScript(root_ / "util/envdump", "printf '" + scratch_.str() + "/du\\r\\nmp.txt\\r\\n'");
+  WriteScript(root_ / "util/desklinecheck.sh", "echo checked");
+  app_.CollectDiagnostics(scratch_.path());
+  EXPECT_FALSE(fs::exists(app_.existingEnvdumpReport)) << "another folder gets nothing";
+  app_.CollectDiagnostics(app_.issueFolder);  // with no configuration to stage
+  WriteFile(root_ / "config/KeywardConfig.xml", "config");
+  app_.CollectDiagnostics(app_.logsFolder);
+  app_.CollectDiagnostics(app_.logsFolder);  // reports are replaced, not added to
+  for (const fs::path& folder : {app_.issueFolder, app_.logsFolder})
+    EXPECT_EQ(ReadFile(folder / "Envdump.txt") + ReadFile(folder / "DesklineCheck.txt") +
+                  std::to_string(fs::exists(folder / "UserSystemInfo.txt")), "environmentchecked\n1") << folder;
+  EXPECT_TRUE(ReadFile(app_.issueClientLog) == "config" && !fs::exists(app_.keywardConfigCopy));
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(app_.RunEnvdump(scratch_ / "gone/Envdump.txt") || app_.RunDesklineCheck(scratch_ / "gone/check.txt"));
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("Error copying file: "), std::string::npos);
 }

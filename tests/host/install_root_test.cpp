@@ -35,6 +35,18 @@ TEST(InstallRoot, OrbRootThenTheProgramFolderOrItsUtilParentThenTheHomeInstallat
   EXPECT_EQ(RootSeenFrom(dir / "notaroot"), "No valid ORBROOT directory found\n\n");
 }
 
+TEST(InstallRoot, EveryMarkerIsNeededAndEveryBuildTokenHasItsPlatformFolder) {
+  for (auto [token, folder] : {std::pair{"linux", "linuxx86"}, {"x86", "linuxx86"}, {"linux64", "linuxx64"},
+                               {"x64", "linuxx64"}, {"linux32", "linuxarmhf"}, {"armhf", "linuxarmhf"}})
+    EXPECT_EQ(PlatformFolderNameFor(token), folder) << token;
+  testsupport::TempDir root;
+  for (const char* marker : testsupport::kInstallRootMarkers) {
+    testsupport::MakeFakeInstallRoot(root.path());
+    fs::remove(root / marker);
+    EXPECT_FALSE(IsValidInstallRoot(root.str())) << marker;
+  }
+}
+
 TEST(ClientVersion, FourDottedNumbersAfterTheFirstEqualsSignOfTheFirstLineOnly) {
   testsupport::TempDir root;
   testsupport::MakeFakeInstallRoot(root.path());
@@ -48,4 +60,7 @@ TEST(ClientVersion, FourDottedNumbersAfterTheFirstEqualsSignOfTheFirstLineOnly) 
     EXPECT_EQ(ToNarrowString(GetClientVersion()), version) << content;
   }
   EXPECT_EQ(BuildClientIdentity().rfind("NorvexBeacon Linux/", 0), 0u);
+  EXPECT_EQ(BuildProductToken("") + " " + BuildProductToken("Beacon"), "NDC Beacon");
+  testsupport::WriteFile(root / ("pkginf/Ver.core." + PlatformFolderName()), "V=1.2.3.4\n");
+  EXPECT_EQ(BuildProductToken(""), "NDC/1.2.3.4");
 }

@@ -5,6 +5,8 @@
 #include <signal.h>
 #include <sys/wait.h>
 
+#include <tuple>
+
 #include "support/fixtures.h"
 #include "support/processes.h"
 
@@ -41,4 +43,26 @@ TEST(SingleInstance, ClaimsAFreeStaleOrReusedLockButNotOneThisProgramHolds) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "Failed to check if another Keyward service exist\nPlease remove" + lock.string() +
                 " file and kill any 'logmgr' which is running.\n");
+}
+
+TEST(SingleInstance, ScratchFolderFallsBackToTmpForTheUserThenToTmpAndTheLineRunsOn) {
+  TempDir dir;
+  WriteFile(dir / "file", "");
+  fs::create_directories(dir / "home");
+  fs::create_symlink(dir / "file", dir / "home/.ORBClient");
+  const std::string user = "norvex-test-" + std::to_string(getpid()), failed = "Failed to create orbHome",
+                    tail = " inside user home directory.Not a directory.Using /tmp directory.\n";
+  for (auto [home, name, folder, said] :
+       {std::tuple<fs::path, std::string, std::string, std::string>{dir / "file", user, "/tmp/" + user,
+                                                                    failed + " directory" + tail},
+        {dir / "home", "", dir / "home/.ORBClient/.tmp", failed + "/.tmp directory" + tail},
+        {"", user, "/tmp", ""}}) {
+    ScopedEnv homeEnv("HOME", home.c_str()), userEnv("USER", name.c_str());
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(GetClientTempDirectory(), folder);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), said);
+  }
+  fs::remove("/tmp/" + user);
+  WriteFile(dir / "cmdline", std::string("./logmgr\0--now", 15));
+  EXPECT_EQ(ReadFirstCommandLineField(dir / "cmdline"), "./logmgr") << "the program, not its arguments";
 }

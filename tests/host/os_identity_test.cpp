@@ -30,6 +30,10 @@ TEST(OsIdentity, VendorMarkersStopTheChainAndTheReleaseCommandIsFinal) {
   fake("tcinfo", "thinclient-name: 10ZiG\\nthinclient-version:5.1\\n");
   fake("uname", "5.10.0-elux GNU/Linux\\n");
   EXPECT_EQ(identify(), "5.10.0-elux-GNULinux");
+  for (const char* kernel : {"4.19-Dell", "5.4-unicon"}) {
+    fake("uname", kernel);
+    EXPECT_EQ(identify(), kernel);
+  }
   fake("uname", "5.10.0-elux GNU/Linux\\n", 0750);  // not executable by others: absent
   EXPECT_EQ(identify(), "-10ZiG-5.1");
   fake("tcinfo", "thinclient-name: Other\\n");

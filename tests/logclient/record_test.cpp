@@ -77,7 +77,7 @@ TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
     log_write_class(3, LOG_LEVEL_AOL, "test", "cut", 0, "%s", std::string(9000, 'x').c_str());
 #define WRITE(...) log_write_class(0, LOG_LEVEL_AOL, "test", "format", 0, __VA_ARGS__)
     FORMAT_CASES(WRITE);
-    for (int own : {LOG_LEVEL_ERROR, LOG_LEVEL_NONE}) {
+    for (int own : {LOG_LEVEL_VERBOSE, LOG_LEVEL_ERROR, LOG_LEVEL_NONE}) {
       log_set_class_level(12, own);
       for (int level = 0; level <= 7; ++level) log_write_class(12, level, "test", "filter", 0, "%d:%d", own, level);
     }
@@ -88,7 +88,7 @@ TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
     char text[256];
 #define EXPECT_TEXT(...) texts.push_back((snprintf(text, sizeof text, __VA_ARGS__), text))
     FORMAT_CASES(EXPECT_TEXT);
-    for (const char* passing : {"4:4", "4:5", "4:6", "7:6", "u1", "u2", "u3", "u4", "u5"}) texts.push_back(passing);
+    for (const char* passing : {"1:1", "1:2", "1:3", "1:4", "1:5", "1:6", "4:4", "4:5", "4:6", "7:6", "u1", "u2", "u3", "u4", "u5"}) texts.push_back(passing);
     ASSERT_EQ(messages.size(), texts.size() + 1);
     EXPECT_EQ(messages[0], Message(2, std::string(2, '\0') + "norvex-a_program_name_longer_th" + '\0'));
     const std::string& first = messages[1].second;
@@ -104,15 +104,32 @@ TEST(RecordLink, HelloThenEveryRecordThatPassesItsClassLevelInTheSharedLayout) {
   });
 }
 
-TEST(SystemLog, WithoutAreaOrLogdTakesTheUnclassedAndTheAlwaysOnMessages) {
+TEST(SystemLog, WithoutAreaOrLogdQueriesFailAndTheUnclassedAndAlwaysOnMessagesGoThere) {
   InChildWithHome([](const std::string& home) {
     testsupport::WriteFile(home + "/file", "");
     setenv("HOME", (home + "/file").c_str(), 1);  // no client folder can be made below a file
     EXPECT_EQ(log_client_init(), 1);
-    EXPECT_EQ(log_set_class_level(5, 1), 0);
+    uint32_t flags = 0;
+    EXPECT_EQ((std::vector{log_set_class_level(5, 1), log_get_class_level(0), log_get_default_level(0),
+                           log_get_class_parent(1), log_get_tuning_a(), log_set_flags(1), log_get_default_flags(&flags)}),
+              (std::vector{0, -1, -1, -1, -1, 0, 0}));
+    EXPECT_TRUE(!log_get_class_name(0) && !log_get_level_display_name(0) && !log_get_shared_path());
     for (int level = 1; level <= 6; ++level) log_write_class(5, level, "test", "c", 0, "c%d", level);
     for (int level = 1; level <= 6; ++level) log_write(level, "test", "u", 0, "u%d", level);
     EXPECT_EQ(g_systemLog, (std::vector<std::string>{"3 Failed to connect with logd.", "6 c6", "6 u1", "5 u2", "4 u3",
                                                      "3 u4", "1 u5"}));
+  });
+}
+
+TEST(SystemLog, AfterTheAreaAloneInitReportsTheMissingLinkEachTimeAndShutdownUnmaps) {
+  InChildWithHome([](const std::string&) {
+    ASSERT_EQ(log_config_open(), 1);
+    log_set_class_level(7, LOG_LEVEL_FATAL);
+    EXPECT_EQ(log_client_init() + log_client_init(), 0);
+    EXPECT_EQ(g_systemLog, std::vector<std::string>(2, "3 Failed to connect with logd."));
+    log_client_shutdown();
+    EXPECT_EQ(log_get_class_level(7), -1);
+    ASSERT_EQ(log_config_open(), 1);
+    EXPECT_EQ(log_get_class_level(7), LOG_LEVEL_FATAL) << "an area with its magic is taken as it stands";
   });
 }
