@@ -4,6 +4,8 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <sstream>
 #include <string>
 
 #include "support/fake_root.h"
@@ -97,6 +99,78 @@ TEST_F(Hosts, GoodHostsArchivesArriveWholeAndEveryFailureIsReportedWithoutAFile)
     EXPECT_EQ(Tar("-xOzf", out_ / "good2.tar.gz", log), Tar("-xOzf", scratch_ / "local.tgz", log));
     EXPECT_NE(Tar("-xOzf", out_ / "good1.tar.gz", log).find(std::string("good1 ") + log), std::string::npos);
   }
+}
+
+// A stand-in ssh: records its arguments and how many run at once, then plays
+// the stream and exit code prepared for its host in $FAKE_SSH.
+class FakeSsh : public Hosts {
+ protected:
+  FakeSsh() {
+    WriteScript(fake_ / "ssh",
+                "for a; do [ \"$prev\" = -- ] && host=$a; prev=$a; done; d=$FAKE_SSH\n"
+                "echo \"$*\" >\"$d/$host.args\"; echo $$ >\"$d/$host.pid\"; mkdir \"$d/running.$host\"\n"
+                "ls -d \"$d\"/running.* | wc -l >>\"$d/concurrency\"; sleep \"$(cat \"$d/$host.sleep\" 2>/dev/null || echo 0.3)\"\n"
+                "cat \"$d/$host\"; rmdir \"$d/running.$host\"; exit \"$(cat \"$d/$host.rc\" 2>/dev/null || echo 0)\"");
+    // A whole archive, and one whose tar lacks its closing blocks though its gzip is whole.
+    RunAndCapture("cd " + fake_.string() + " && echo text >member && tar -czf whole.src member && tar -cf open.tar member"
+                  " && truncate -s 1024 open.tar && gzip -c open.tar >open.src");
+  }
+  void Serve(const std::string& host, const std::string& stream, int code = 0, const char* sleep = nullptr) {
+    fs::copy_file(fake_ / stream, fake_ / host);
+    WriteFile(fake_ / (host + ".rc"), std::to_string(code));
+    if (sleep != nullptr) WriteFile(fake_ / (host + ".sleep"), sleep);
+  }
+  int MaxConcurrency() const {
+    int most = 0;
+    std::istringstream counts(ReadFile(fake_ / "concurrency"));
+    for (int count = 0; counts >> count;) most = std::max(most, count);
+    return most;
+  }
+
+  fs::path fake_ = scratch_ / "fake";
+  ScopedEnv path_{"PATH", (fake_.string() + ":" + getenv("PATH")).c_str()};
+  ScopedEnv fakeDir_{"FAKE_SSH", fake_.c_str()};
+};
+
+TEST_F(FakeSsh, OnlyWholeArchivesOfASuccessfulCommandAreKeptAndJobsBoundTheFanOut) {
+  Serve("a", "whole.src");
+  Serve("b", "whole.src", 3);
+  WriteFile(fake_ / "cut.src", ReadFile(fake_ / "whole.src").substr(0, 30));
+  Serve("cut", "cut.src");
+  Serve("open", "open.src");
+  Serve("e", "whole.src");
+  EXPECT_EQ(Run({"hosts", "a", "b", "cut", "open", "e", "-o", out_.string(), "--jobs", "2", "--mask",
+                 "--ssh-config", "cfg file", "--ssh-option", "Port=2222", "--ssh-option", "User=x"}),
+            1);
+  EXPECT_EQ(ReadFile(fake_ / "a.args"),
+            "-o BatchMode=yes -F cfg file -o Port=2222 -o User=x -- a logmgr-cli existing -o - --mask\n");
+  EXPECT_EQ(MaxConcurrency(), 2);
+  EXPECT_NE(Row("a").find(" ok "), std::string::npos) << ReadFile(table_);
+  EXPECT_NE(Row("b").find("remote exit code 3"), std::string::npos);
+  EXPECT_NE(Row("cut").find("incomplete archive"), std::string::npos);
+  EXPECT_NE(Row("open").find("incomplete archive"), std::string::npos);
+  EXPECT_EQ(ReadFile(out_ / "a.tar.gz"), ReadFile(fake_ / "whole.src"));
+  EXPECT_TRUE(fs::exists(out_ / "e.tar.gz"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(out_), fs::directory_iterator()), 2);
+
+  EXPECT_EQ(Run({"hosts", "a", "-o", out_.string()}), 0);
+  EXPECT_EQ(Run({"hosts", "-o", out_.string(), "--", "a", "-oProxyCommand=touch x"}), 64);
+  EXPECT_EQ(Run({"hosts", "-o", out_.string()}), 64);
+  EXPECT_EQ(Run({"hosts", "../a", "-o", out_.string()}), 64);
+}
+
+TEST_F(FakeSsh, InterruptEndsEverySshAndLeavesNoPartialFile) {
+  Serve("a", "whole.src", 0, "0");
+  Serve("slow1", "whole.src", 0, "30");
+  Serve("slow2", "whole.src", 0, "30");
+  const pid_t run = StartProgram({LOGMGR_CLI_PATH, "hosts", "a", "slow1", "slow2", "-o", out_.string()}, table_.c_str());
+  ASSERT_TRUE(WaitUntil([&] { return fs::exists(fake_ / "slow2.pid") && fs::exists(out_ / "a.tar.gz"); }, 10));
+  kill(run, SIGINT);
+  EXPECT_EQ(ExitCodeOf(run, 10), 1);
+  for (const char* host : {"slow1", "slow2"})
+    EXPECT_NE(kill(std::stoi(ReadFile(fake_ / (std::string(host) + ".pid"))), 0), 0) << host << " still runs";
+  EXPECT_NE(Row("slow1").find("stopped"), std::string::npos) << ReadFile(table_);
+  EXPECT_EQ(std::distance(fs::directory_iterator(out_), fs::directory_iterator()), 1);
 }
 
 }  // namespace
