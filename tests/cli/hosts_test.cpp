@@ -152,6 +152,7 @@ TEST_F(FakeSsh, OnlyWholeArchivesOfASuccessfulCommandAreKeptAndJobsBoundTheFanOu
   EXPECT_EQ(ReadFile(out_ / "a.tar.gz"), ReadFile(fake_ / "whole.src"));
   EXPECT_TRUE(fs::exists(out_ / "e.tar.gz"));
   EXPECT_EQ(std::distance(fs::directory_iterator(out_), fs::directory_iterator()), 2);
+  EXPECT_EQ(ReadFile(errors_).find_first_of("\r\033"), std::string::npos) << "progress into a file";
 
   EXPECT_EQ(Run({"hosts", "a", "-o", out_.string()}), 0);
   EXPECT_EQ(Run({"hosts", "-o", out_.string(), "--", "a", "-oProxyCommand=touch x"}), 64);
@@ -165,6 +166,9 @@ TEST_F(FakeSsh, InterruptEndsEverySshAndLeavesNoPartialFile) {
   Serve("slow2", "whole.src", 0, "30");
   const pid_t run = StartProgram({LOGMGR_CLI_PATH, "hosts", "a", "slow1", "slow2", "-o", out_.string()}, table_.c_str());
   ASSERT_TRUE(WaitUntil([&] { return fs::exists(fake_ / "slow2.pid") && fs::exists(out_ / "a.tar.gz"); }, 10));
+  for (const auto& entry : fs::directory_iterator(out_))
+    EXPECT_TRUE(entry.path().filename() == "a.tar.gz" || entry.path().string().find(".tar") == std::string::npos)
+        << entry.path() << " looks like an archive while it is still coming";
   kill(run, SIGINT);
   EXPECT_EQ(ExitCodeOf(run, 10), 1);
   for (const char* host : {"slow1", "slow2"})
