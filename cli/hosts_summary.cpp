@@ -56,7 +56,12 @@ HostsProgress::~HostsProgress() {
 }
 
 void HostsProgress::Show(const FanOutCounts& counts) {
-  if (!terminal_) return;
+  // Called for every chunk that arrives: the line is redrawn on a change, and
+  // a few times a second at most otherwise.
+  const auto now = std::chrono::steady_clock::now();
+  const bool changed = counts.done != shown_.done || counts.running != shown_.running;
+  if (!terminal_ || (!changed && now - shownAt_ < std::chrono::milliseconds(200))) return;
+  shown_ = counts, shownAt_ = now;
   std::string line = FormatMessage(_("%s done"), std::to_string(counts.done));
   line += ", " + FormatMessage(_("%s running"), std::to_string(counts.running));
   line += ", " + FormatMessage(_("%s waiting"), std::to_string(counts.waiting));

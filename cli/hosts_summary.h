@@ -1,6 +1,7 @@
 #pragma once
 // What "hosts" shows: the closing table on standard output, and while it runs
 // a progress line on standard error when that is a terminal.
+#include <chrono>
 #include <cstdio>
 #include <vector>
 
@@ -20,4 +21,6 @@ class HostsProgress {
 
  private:
   bool terminal_ = false;
+  FanOutCounts shown_{-1, -1, -1};
+  std::chrono::steady_clock::time_point shownAt_{};
 };

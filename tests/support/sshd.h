@@ -5,7 +5,6 @@
 // real ~/.ssh is never read. Each server gives its sessions their own
 // environment (PATH, HOME, ...) through sshd_config's SetEnv, so the remote
 // side finds the programs and files a test prepared for it.
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <pwd.h>
 #include <signal.h>
@@ -26,63 +25,47 @@ namespace testsupport {
 // A port nothing listened on a moment ago.
 inline int FreeLoopbackPort() {
   const int fd = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
   socklen_t length = sizeof address;
-  bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+  bind(fd, reinterpret_cast<sockaddr*>(&address), length);
   getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
   close(fd);
   return ntohs(address.sin_port);
 }
 
-inline bool AcceptsConnections(int port) {
-  const int fd = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const bool connected = connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-  close(fd);
-  return connected;
-}
-
 class SshdHosts {
  public:
   SshdHosts() {
-    MakeKey(dir_ / "host_key");
-    MakeKey(dir_ / "user_key");
-    MakeKey(dir_ / "stranger_key");  // never authorized: a refused key
+    for (const char* key : {"host_key", "user_key", "stranger_key"})  // the stranger's is never authorized
+      RunAndCapture("ssh-keygen -q -t ed25519 -N '' -f " + (dir_ / key).string());
     std::filesystem::copy_file(dir_ / "user_key.pub", dir_ / "authorized_keys");
     // sshd refuses to start without its privilege separation folder, which a
     // fresh container or CI machine may lack; it is made only when missing.
     if (!std::filesystem::exists("/run/sshd")) std::filesystem::create_directories("/run/sshd");
   }
   ~SshdHosts() {
-    for (pid_t server : servers_) kill(server, SIGTERM);
-    for (pid_t server : servers_) waitpid(server, nullptr, 0);
+    for (pid_t server : servers_) kill(server, SIGTERM), waitpid(server, nullptr, 0);
   }
   SshdHosts(const SshdHosts&) = delete;
 
   // Starts an sshd whose sessions get environment (e.g. {"PATH=/x:/usr/bin",
-  // "HOME=/y"}) and names it alias; the port, or -1 when it did not come up.
+  // "HOME=/y"}) and names it alias; its port, or -1 when it did not come up.
   int Start(const std::string& alias, const std::vector<std::string>& environment) {
     const int port = FreeLoopbackPort();
-    const std::filesystem::path config = dir_ / ("sshd_config." + alias);
-    std::string setEnv = "SetEnv";
-    for (const std::string& variable : environment) setEnv += " \"" + variable + "\"";
-    WriteFile(config, "Port " + std::to_string(port) + "\nListenAddress 127.0.0.1\nHostKey " +
-                          (dir_ / "host_key").string() + "\nAuthorizedKeysFile " + (dir_ / "authorized_keys").string() +
-                          "\nPidFile none\nUsePAM no\nStrictModes no\nPermitRootLogin prohibit-password\n"
-                          "PasswordAuthentication no\nKbdInteractiveAuthentication no\n" + setEnv + "\n");
-    servers_.push_back(StartProgram({"/usr/sbin/sshd", "-D", "-e", "-f", config.string()},
-                                    (dir_ / ("sshd.log." + alias)).c_str()));
-    if (!WaitUntil([port] { return AcceptsConnections(port); }, 10)) return -1;
+    const std::string config = (dir_ / ("sshd_config." + alias)).string(), log = config + ".log";
+    std::string text = "Port " + std::to_string(port) + "\nListenAddress 127.0.0.1\nHostKey " + dir_.str() +
+                       "/host_key\nAuthorizedKeysFile " + dir_.str() + "/authorized_keys\nPidFile none\nUsePAM no\n"
+                       "StrictModes no\nPermitRootLogin prohibit-password\nPasswordAuthentication no\n"
+                       "KbdInteractiveAuthentication no\nLogLevel INFO\nSetEnv";
+    for (const std::string& variable : environment) text += " \"" + variable + "\"";
+    WriteFile(config, text + "\n");
+    servers_.push_back(StartProgram({"/usr/sbin/sshd", "-D", "-e", "-f", config}, log.c_str()));
+    if (!WaitUntil([&] { return ReadFile(log).find("Server listening") != std::string::npos; }, 10)) return -1;
     AddAlias(alias, port);
     return port;
   }
 
-  // An alias for port; key is one of "user_key" (authorized) and "stranger_key".
+  // An alias for port; key is "user_key" (authorized) or "stranger_key".
   void AddAlias(const std::string& alias, int port, const std::string& key = "user_key") {
     std::ofstream(config(), std::ios::app)
         << "Host " << alias << "\n  HostName 127.0.0.1\n  Port " << port << "\n  User " << getpwuid(getuid())->pw_name
@@ -95,10 +78,6 @@ class SshdHosts {
   std::filesystem::path config() const { return dir_ / "ssh_config"; }
 
  private:
-  static void MakeKey(const std::filesystem::path& file) {
-    RunAndCapture("ssh-keygen -q -t ed25519 -N '' -f " + file.string());
-  }
-
   TempDir dir_{"sshd-hosts"};
   std::vector<pid_t> servers_;
 };
