@@ -42,7 +42,7 @@ void WriteLogs(const fs::path& folder) {
         "} }' > " + (folder / ("kvlog." + std::to_string(file))).string());
 }
 
-// Every host a home of its own (the command's lock is per home) linking the same logs.
+// Every host a home of its own (the command's lock is per home) with the same logs.
 bool PrepareFleet() {
   Fleet& f = TheFleet();
   testsupport::MakeFakeInstallRoot(f.root);
@@ -51,10 +51,12 @@ bool PrepareFleet() {
   fs::create_symlink(LOGMGR_CLI_PATH, f.bin / "logmgr-cli");
   WriteLogs(f.logs);
   for (int host = 0; host < kHosts; ++host) {
-    const std::string name = "h" + std::to_string(host);
+    const std::string name = std::string("h").append(std::to_string(host));
     const fs::path home = f.top / name;
-    fs::create_directories(home / ".ORBClient");
-    fs::create_directory_symlink(f.logs, home / ".ORBClient/logs");
+    // Reports are written beside the logs, so each home has its own folder of links.
+    fs::create_directories(home / ".ORBClient/logs");
+    for (const auto& log : fs::directory_iterator(f.logs))
+      fs::create_hard_link(log.path(), home / ".ORBClient/logs" / log.path().filename());
     if (f.servers.Start(name, {"PATH=" + f.bin.string() + ":/usr/bin:/bin", "HOME=" + home.string(),
                                "ORBROOT=" + f.root.string()}) < 0)
       return false;
