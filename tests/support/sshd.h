@@ -1,10 +1,7 @@
 #pragma once
-// Real OpenSSH servers on 127.0.0.1 for tests and benchmarks, and an ssh
-// config file naming them by alias (give it with ssh -F). Everything lives in
-// one scratch folder: host key, user keys, authorized_keys, known hosts; the
-// real ~/.ssh is never read. Each server gives its sessions their own
-// environment (PATH, HOME, ...) through sshd_config's SetEnv, so the remote
-// side finds the programs and files a test prepared for it.
+// Real sshd servers on 127.0.0.1 and an ssh config naming them by alias (for
+// ssh -F), keys and known hosts in a scratch folder, never the real ~/.ssh.
+// Each server's sessions get their own PATH, HOME, ... through SetEnv.
 #include <netinet/in.h>
 #include <pwd.h>
 #include <signal.h>
