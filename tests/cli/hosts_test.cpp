@@ -61,7 +61,7 @@ TEST_F(Hosts, GoodHostsArchivesArriveWholeAndEveryFailureIsReportedWithoutAFile)
     ASSERT_GT(servers.Start(good, {path, "HOME=" + ClientHome(good).string(), orbroot}), 0);
   WriteScript(scratch_ / "hangbin/logmgr-cli", "while echo waiting >&2; do sleep 0.2; done");
   ASSERT_GT(servers.Start("hang", {"PATH=" + (scratch_ / "hangbin").string() + ":/usr/bin:/bin"}), 0);
-  const int missing = servers.Start("missing", {"PATH=/usr/bin:/bin"});
+  const int missing = servers.Start("missing", {"PATH=" + (scratch_ / "nowhere").string()});
   ASSERT_GT(missing, 0);
   servers.AddAlias("stranger", missing, "stranger_key");
   servers.AddAlias("nothing", FreeLoopbackPort());
