@@ -35,3 +35,4 @@ struct CommandContext {
 
 void AddExistingCommand(CLI::App& cli, CommandContext& context);
 void AddReproduceCommand(CLI::App& cli, CommandContext& context);
+void AddHostsCommand(CLI::App& cli, CommandContext& context);

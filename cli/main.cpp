@@ -17,7 +17,8 @@ namespace {
 
 constexpr const char* kExitCodesText =
     "Exit codes: 0 archive written, 1 nothing to archive, 2 the archive could not be made or written,\n"
-    "3 refused (overwrite not confirmed, see --yes), 4 another instance runs, 64 usage error.\n"
+    "3 refused (overwrite not confirmed, see --yes), 4 another instance runs, 64 usage error;\n"
+    "hosts: 0 every host's archive saved, 1 one or more hosts failed.\n"
     "See logmgr-cli(1).";
 
 std::string VersionText() {
@@ -31,6 +32,7 @@ void DescribeCommands(CLI::App& cli, CommandContext& context) {
   cli.set_version_flag("--version", VersionText, "Print the utility's and the installed client's version");
   AddExistingCommand(cli, context);
   AddReproduceCommand(cli, context);
+  AddHostsCommand(cli, context);
 }
 
 int Parse(CLI::App& cli, int argc, char** argv) {
