@@ -42,7 +42,9 @@ class Mask : public Cli {
               "<KeywardConfig>\n  <Server name=\"main\" address=\"broker.corp.example\" port=\"4443\"/>\n"
               "</KeywardConfig>\n");
     // One line in two members and in the middle of a line longer than the read buffer.
-    for (const char* name : {"kvlog.1", "userActivitylog.latest"}) WriteFile(logs_ / name, Line() + "\n");
+    // In another order first in the other member, so that the stand-ins of the two can only agree through one map.
+    WriteFile(logs_ / "kvlog.1", Line() + "\n");
+    WriteFile(logs_ / "userActivitylog.latest", "first fe80::1c2b:3aff:fe4d:5e6f 10.20.30.40\n" + Line() + "\n");
     WriteFile(logs_ / "KeywardSvr.latest", std::string(3 << 19, 'x') + " " + Line() + " " + Line() + "\n");
     WriteFile(logs_ / "kvlog.2", std::string("\x1f\x8b\x08\0binary ", 12) + Line());
   }
