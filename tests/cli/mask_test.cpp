@@ -27,6 +27,13 @@ bool HasWholeWord(const std::string& text, const std::string& value) {
   return false;
 }
 
+// Over two read buffers of text (part has over 200 bytes), no line end in it.
+std::string Repeated(const std::string& part) {
+  std::string text;
+  for (int i = 0; i < 12000; ++i) text += part;
+  return text;
+}
+
 std::string Login() { return getpwuid(getuid())->pw_name; }
 
 std::string HostName() {
@@ -45,7 +52,7 @@ class Mask : public Cli {
     // In another order first in the other member, so that the stand-ins of the two can only agree through one map.
     WriteFile(logs_ / "kvlog.1", Line() + "\n");
     WriteFile(logs_ / "userActivitylog.latest", "first fe80::1c2b:3aff:fe4d:5e6f 10.20.30.40\n" + Line() + "\n");
-    WriteFile(logs_ / "KeywardSvr.latest", std::string(3 << 19, 'x') + " " + Line() + " " + Line() + "\n");
+    WriteFile(logs_ / "KeywardSvr.latest", Repeated(Line() + " ") + "\n");
     WriteFile(logs_ / "kvlog.2", std::string("\x1f\x8b\x08\0binary ", 12) + Line());
   }
 
@@ -93,7 +100,7 @@ TEST_F(Mask, EveryPlantedValueBecomesOneStandInInEveryMemberAndRunAndBinariesSta
   for (const char* standIn : {"10.0.0.1,", "fd00::1,", "02:00:00:00:00:01,", "host0001.example,", "/home/user0001,"})
     EXPECT_NE(line.find(standIn), std::string::npos) << standIn << " in " << line;
   EXPECT_EQ(MaskedLine(first / "userActivitylog.latest"), line);
-  EXPECT_EQ(MaskedLine(first / "KeywardSvr.latest"), line) << "cut inside a value of the long line";
+  EXPECT_TRUE(ReadFile(first / "KeywardSvr.latest") == Repeated(line + " ") + "\n") << "a value cut in the long line";
   EXPECT_EQ(everything.find("broker"), std::string::npos) << "the configuration (ORBClient.log) is masked too";
 
   const fs::path map = home_ / ".ORBClient/mask-map.json";
