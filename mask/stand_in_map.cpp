@@ -10,6 +10,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "mask/write_all.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -55,15 +57,7 @@ std::string MacStandIn(size_t n) {
   return text;
 }
 
-bool WriteAll(int fd, const std::string& text) {
-  size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t written = write(fd, text.data() + done, text.size() - done);
-    if (written <= 0) return false;
-    done += static_cast<size_t>(written);
-  }
-  return true;
-}
+bool WriteText(int fd, const std::string& text) { return WriteAll(fd, text.data(), text.size()); }
 
 }  // namespace
 
@@ -88,7 +82,7 @@ bool StandInMap::Save(const fs::path& file) const {
   std::string partial = file.string() + ".XXXXXX";
   const int fd = mkstemp(partial.data());  // 0600 before a single value is in it
   if (fd < 0) return false;
-  bool saved = fchmod(fd, 0600) == 0 && WriteAll(fd, nlohmann::json(values_).dump(2) + "\n") && fsync(fd) == 0;
+  bool saved = fchmod(fd, 0600) == 0 && WriteText(fd, nlohmann::json(values_).dump(2) + "\n") && fsync(fd) == 0;
   saved = close(fd) == 0 && saved;
   if (saved) saved = rename(partial.c_str(), file.c_str()) == 0;
   if (!saved) unlink(partial.c_str());

@@ -11,6 +11,7 @@
 #include "mask/stand_in_map.h"
 #include "mask/text_sniff.h"
 #include "mask/value_scanner.h"
+#include "mask/write_all.h"
 
 namespace {
 
@@ -27,17 +28,6 @@ ssize_t ReadSome(int fd, char* into, size_t size) {
   do got = read(fd, into, size);
   while (got < 0 && errno == EINTR);
   return got;
-}
-
-bool WriteAll(int fd, const char* data, size_t size) {
-  while (size > 0) {
-    const ssize_t written = write(fd, data, size);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    data += written;
-    size -= static_cast<size_t>(written);
-  }
-  return true;
 }
 
 // Where the piece to mask now ends: after the last line end, else after the
