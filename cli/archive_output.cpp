@@ -10,21 +10,11 @@
 #include "app/i18n.h"
 #include "cli/exit_codes.h"
 #include "cli/failure.h"
+#include "mask/write_all.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-bool WriteAll(int fd, const char* data, size_t size) {
-  while (size > 0) {
-    const ssize_t written = write(fd, data, size);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    data += written;
-    size -= static_cast<size_t>(written);
-  }
-  return true;
-}
 
 bool CopyFileTo(const fs::path& archive, int outFd) {
   const int inFd = open(archive.c_str(), O_RDONLY | O_CLOEXEC);

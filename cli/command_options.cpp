@@ -4,6 +4,7 @@
 
 #include "app/i18n.h"
 #include "cli/archive_output.h"
+#include "cli/exit_codes.h"
 #include "cli/progress_line.h"
 
 namespace {
@@ -22,17 +23,20 @@ void AddCollectOptions(CLI::App& command, CollectOptions& options, const std::st
       ->capture_default_str()
       ->check(NotATerminal);
   command.add_flag("--list", options.list, "print what would be collected (path and size) and change nothing");
+  AddMaskOptions(command, options.mask);
 }
 
-void InstallArchiveListHook(App& app, const CollectOptions&) {
-  // Nothing to change yet: the archive takes the list as the engine built it.
-  app.archiveListHook = nullptr;
+void InstallArchiveListHook(App& app, const CollectOptions& options, ArchiveMasker& masker) {
+  app.archiveListHook = options.mask.mask ? MaskingHook(masker) : nullptr;
 }
 
 int MakeAndDeliverArchive(App& app, const CollectOptions& options, int (App::*makeArchive)(),
                           const std::filesystem::path& archive, ArchiveOutput& output,
                           const std::filesystem::path& emptyFolder) {
-  InstallArchiveListHook(app, options);
+  // Lives until the archive is delivered: its scratch folder holds the members.
+  ArchiveMasker masker;
+  if (options.mask.mask && !OpenArchiveMasker(app, options.mask, masker)) return exitcode::kArchiveFailed;
+  InstallArchiveListHook(app, options, masker);
   int archiveCode = 0;
   {
     const ProgressLine progress(archive);

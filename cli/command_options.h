@@ -5,18 +5,21 @@
 #include <string>
 
 #include "app/app.h"
+#include "cli/archive_masking.h"
 
 struct CollectOptions {
   std::string output;  // "-" is standard output
   bool list = false;
+  MaskOptions mask;
 };
 
-// Adds -o/--output (default defaultName in the current folder) and --list.
+// Adds -o/--output (default defaultName in the current folder), --list and the mask options.
 void AddCollectOptions(CLI::App& command, CollectOptions& options, const std::string& defaultName);
 
 // The one point every member list passes, just before its archive is made:
 // whatever a command does to the files it archives, it does here.
-void InstallArchiveListHook(App& app, const CollectOptions& options);
+// With --mask, the members become masked copies there (masker opened already).
+void InstallArchiveListHook(App& app, const CollectOptions& options, ArchiveMasker& masker);
 
 class ArchiveOutput;
 
