@@ -68,6 +68,11 @@ class LogdProcess {
   std::filesystem::path home_;
 };
 
+// Whether file holds text within 10 s.
+inline bool Holds(const std::filesystem::path& file, const std::string& text) {
+  return testsupport::WaitUntil([&] { return testsupport::ReadFile(file).find(text) != std::string::npos; }, 10);
+}
+
 inline sockaddr_un AddressOf(const std::string& path) {
   sockaddr_un address{AF_UNIX, {}};
   path.copy(address.sun_path, sizeof address.sun_path - 1);

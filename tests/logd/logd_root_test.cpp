@@ -11,6 +11,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using logclient_test::Holds;
 using logclient_test::LogdProcess;
 using testsupport::ReadFile;
 
@@ -28,10 +29,6 @@ void AsNobody(const fs::path& path, const std::vector<std::string>& texts) {
     for (const std::string& text : texts) log_write_class(0, LOG_LEVEL_AOL, "test", "root", 0, "%s", text.c_str());
     log_client_shutdown();
   }), 0);
-}
-
-bool Holds(const fs::path& file, const std::string& text) {
-  return testsupport::WaitUntil([&] { return ReadFile(file).find(text) != std::string::npos; }, 10);
 }
 
 void MakePrivateVarLog() {
@@ -70,7 +67,7 @@ TEST(LogdAsRoot, ServesEveryUserWithTheirOwnRightsAndKeepsWholeLinesOnAFullDisk)
 
     testsupport::WriteFile(kIssue / "filler", std::string(4096, 'f'));
     AsNobody(kIssue / "ORBClient.log", std::vector<std::string>(60, "full " + std::string(100, 'x')));
-    ASSERT_TRUE(testsupport::WaitUntil([&] { return logd.Errors().find("dropping whole lines") != std::string::npos; }, 10));
+    ASSERT_TRUE(Holds("/var/log/roothome/logd.err", "dropping whole lines")) << logd.Errors();
     const std::string full = ReadFile(kIssue / "ORBClient.log");
     // Every line is as long as the first, so whole lines fill the file exactly.
     EXPECT_TRUE(!full.empty() && full.back() == '\n' && full.size() % (full.find('\n') + 1) == 0) << full.size();
