@@ -5,9 +5,7 @@
 
 #include <string>
 
-#include "support/fake_root.h"
-#include "support/fixtures.h"
-#include "support/processes.h"
+#include "cli/cli_fixture.h"
 #include "support/sshd.h"
 
 namespace {
@@ -17,11 +15,10 @@ using namespace testsupport;
 
 const char* const kLogs[] = {"kvlog.1", "userActivitylog.latest", "KeywardSvr.latest", "ORBClient.log"};
 
-class Hosts : public testing::Test {
+// The command's scene, plus a folder for the archives and a PATH holding logmgr-cli.
+class Hosts : public clitest::Cli {
  protected:
   Hosts() {
-    MakeFakeInstallRoot(root_);
-    WriteScript(root_ / "util/envdump", "echo dump > \"$HOME/envdump.out\"; echo \"$HOME/envdump.out\"");
     for (const fs::path& folder : {out_, bin_}) fs::create_directories(folder);
     fs::create_symlink(LOGMGR_CLI_PATH, bin_ / "logmgr-cli");
   }
@@ -45,10 +42,7 @@ class Hosts : public testing::Test {
     return RunAndCapture("tar " + options + " " + archive.string() + " " + member + " 2>&1");
   }
 
-  TempDir scratch_;
-  fs::path root_ = scratch_ / "root", out_ = scratch_ / "out", bin_ = scratch_ / "bin", table_ = scratch_ / "table",
-           errors_ = scratch_ / "errors";
-  ScopedEnv noX_{"DISPLAY", nullptr}, noWayland_{"WAYLAND_DISPLAY", nullptr};
+  fs::path out_ = scratch_ / "out", bin_ = scratch_ / "bin", table_ = scratch_ / "table", errors_ = scratch_ / "errors";
 };
 
 // Equal to a local run means: the same members in the same order, and the same
