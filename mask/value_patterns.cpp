@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <sstream>
 
 namespace {
 
@@ -38,9 +39,14 @@ std::string WholeWord(const std::string& text) {
   return front + Literal(text) + back;
 }
 
+// The scanner reads only the lines a value ends on, so no value may span a
+// line end: a word given with one is masked line by line.
 void AddWords(std::vector<ValuePattern>& patterns, ValueKind kind, const std::vector<std::string>& words) {
-  for (const std::string& word : words)
-    if (!word.empty()) patterns.push_back({kind, WholeWord(word)});
+  for (const std::string& word : words) {
+    std::istringstream lines(word);
+    for (std::string line; std::getline(lines, line);)
+      if (!line.empty()) patterns.push_back({kind, WholeWord(line)});
+  }
 }
 
 }  // namespace
@@ -54,7 +60,7 @@ std::string DomainOf(const std::string& host) {
 
 std::vector<ValuePattern> BuildValuePatterns(const LocalValues& values) {
   std::vector<ValuePattern> patterns;
-  if (!values.home.empty()) patterns.push_back({ValueKind::kHome, WholeWord(values.home)});
+  AddWords(patterns, ValueKind::kHome, {values.home});
   patterns.push_back({ValueKind::kEmail, kEmail});
   AddWords(patterns, ValueKind::kHost, values.hosts);
   for (const std::string& host : values.hosts)

@@ -132,9 +132,12 @@ TEST_F(Mask, RefusesOptionsWithoutMaskAndAnUnreadableMapOrWordFile) {
   EXPECT_EQ(Run({"existing", "--mask", "--mask-file", Out("absent"), "-o", Out("a.tgz")}), 2);
   EXPECT_FALSE(fs::exists(Out("a.tgz")));
   WriteFile(scratch_ / "words", "Falcon7\n\n  Orion  \n");
-  WriteFile(logs_ / "kvlog.1", "project Falcon7 and orion\n");
-  EXPECT_EQ(Run({"existing", "--mask", "--mask-file", (scratch_ / "words").string(), "-o", Out("w.tgz")}), 0);
-  EXPECT_EQ(RunAndCapture("tar -xzOf " + Out("w.tgz") + " kvlog.1"), "project word0001 and word0002\n");
+  WriteFile(logs_ / "kvlog.1", "project Falcon7 and orion\nVega\nLyra\n");
+  EXPECT_EQ(Run({"existing", "--mask", "--mask-file", (scratch_ / "words").string(), "--mask-word", "Vega\nLyra", "-o",
+                 Out("w.tgz")}),
+            0);
+  EXPECT_EQ(RunAndCapture("tar -xzOf " + Out("w.tgz") + " kvlog.1"),
+            "project word0001 and word0002\nword0003\nword0004\n");
 }
 
 }  // namespace
