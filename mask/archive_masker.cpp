@@ -1,10 +1,15 @@
 #include "mask/archive_masker.h"
 
+#include <sched.h>
 #include <stdlib.h>
 
+#include <atomic>
 #include <fstream>
+#include <system_error>
+#include <thread>
 
 #include "mask/local_values.h"
+#include "mask/ordered_stand_ins.h"
 #include "mask/stream_masker.h"
 
 namespace fs = std::filesystem;
@@ -25,6 +30,13 @@ const char* Reason(MaskResult result) {
 bool SameFile(const fs::path& a, const fs::path& b) {
   std::error_code ignored;
   return fs::equivalent(a, b, ignored);
+}
+
+// The processors this process may run on.
+size_t Processors() {
+  cpu_set_t set;
+  if (sched_getaffinity(0, sizeof set, &set) != 0) return 1;
+  return static_cast<size_t>(std::max(1, CPU_COUNT(&set)));
 }
 
 }  // namespace
@@ -50,28 +62,64 @@ MaskOpenError ArchiveMasker::Open(const MaskSettings& settings) {
   return MaskOpenError::kNone;
 }
 
+// Each member that exists, with the place of its copy: a folder each, so
+// that two members of one base name stay two.
+std::vector<ArchiveMasker::Member> ArchiveMasker::Members(const std::vector<fs::path>& files) const {
+  std::vector<Member> members;
+  for (const fs::path& file : files) {
+    if (!fs::exists(fs::status(file))) continue;  // the archive skips it as well
+    const fs::path copy = scratch_ / std::to_string(members.size() + 1) / file.filename();
+    fs::create_directories(copy.parent_path());
+    members.push_back({file, copy, MaskResult::kFailed});
+  }
+  return members;
+}
+
+// On every processor at once: one scanner each, one shared map.
+void ArchiveMasker::MaskMembers(std::vector<Member>& members) {
+  OrderedStandIns standIns(map_, members.size());
+  std::atomic<size_t> next{0};
+  const auto work = [&](ValueScanner& scanner) {
+    for (size_t i = next++; i < members.size(); i = next++) {
+      const StandInOf standInOf = [&standIns, i](ValueKind kind, const std::string& value) {
+        return standIns.StandIn(i, kind, value);
+      };
+      Member& member = members[i];
+      member.result = SameFile(member.file, mapFile_) ? MaskResult::kFailed
+                                                      : MaskFile(member.file, member.copy, scanner, standInOf);
+      standIns.Finished(i);
+    }
+  };
+  const size_t helpers = std::min(Processors(), members.size()) - 1;
+  std::vector<ValueScanner> scanners;
+  scanners.reserve(helpers);
+  std::vector<std::thread> threads;
+  try {
+    while (threads.size() < helpers) threads.emplace_back(work, std::ref(scanners.emplace_back(scanner_)));
+  } catch (const std::system_error&) {
+    // Fewer threads, the same work: this one takes what they leave.
+  }
+  work(scanner_);
+  for (std::thread& thread : threads) thread.join();
+}
+
 void ArchiveMasker::MaskFiles(std::vector<fs::path>& files) {
+  std::vector<Member> members = Members(files);
+  if (members.empty()) return;  // nothing to archive stays nothing, not a lone list
+  MaskMembers(members);
   std::vector<fs::path> masked;
   std::ofstream leftOut(scratch_ / kMaskedOutName);
   leftOut << "Members left out of this masked archive:\n";
-  size_t number = 0;
   bool anyLeftOut = false;
-  for (const fs::path& file : files) {
-    if (!fs::exists(fs::status(file))) continue;  // the archive skips it as well
-    // A folder each, so that two members of one base name stay two.
-    const fs::path copy = scratch_ / std::to_string(++number) / file.filename();
-    fs::create_directories(copy.parent_path());
-    const MaskResult result =
-        SameFile(file, mapFile_) ? MaskResult::kFailed : MaskFile(file, copy, scanner_, map_);
-    if (result == MaskResult::kMasked) {
-      masked.push_back(copy);
+  for (const Member& member : members) {
+    if (member.result == MaskResult::kMasked) {
+      masked.push_back(member.copy);
       continue;
     }
-    fs::remove(copy);
+    fs::remove(member.copy);
     anyLeftOut = true;
-    leftOut << file.filename().string() << ": " << Reason(result) << "\n";
+    leftOut << member.file.filename().string() << ": " << Reason(member.result) << "\n";
   }
-  if (number == 0) return;  // nothing to archive stays nothing, not a lone list
   if (!anyLeftOut) leftOut << "none\n";
   masked.push_back(scratch_ / kMaskedOutName);
   files = std::move(masked);

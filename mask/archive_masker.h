@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "mask/stand_in_map.h"
+#include "mask/stream_masker.h"
 #include "mask/value_scanner.h"
 
 struct MaskSettings {
@@ -39,6 +40,14 @@ class ArchiveMasker {
   const std::string& PatternError() const { return patternError_; }
 
  private:
+  struct Member {
+    std::filesystem::path file;
+    std::filesystem::path copy;
+    MaskResult result;
+  };
+  std::vector<Member> Members(const std::vector<std::filesystem::path>& files) const;
+  void MaskMembers(std::vector<Member>& members);
+
   ValueScanner scanner_;
   StandInMap map_;
   std::filesystem::path mapFile_;

@@ -89,6 +89,13 @@ bool StandInMap::Save(const fs::path& file) const {
   return saved;
 }
 
+const std::string* StandInMap::Find(ValueKind kind, const std::string& value) const {
+  const auto ofKind = values_.find(KindName(kind));
+  if (ofKind == values_.end()) return nullptr;
+  const auto known = ofKind->second.find(Key(kind, value));
+  return known == ofKind->second.end() ? nullptr : &known->second;
+}
+
 const std::string& StandInMap::StandIn(ValueKind kind, const std::string& value) {
   auto& ofKind = values_[KindName(kind)];
   const std::string key = Key(kind, value);

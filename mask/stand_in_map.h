@@ -14,6 +14,8 @@ class StandInMap {
   // Written beside the file and renamed over it, mode 0600 from the start.
   bool Save(const std::filesystem::path& file) const;
 
+  // The stand-in value has already, or null.
+  const std::string* Find(ValueKind kind, const std::string& value) const;
   // The stand-in of value, made on first sight in the shape of its kind.
   const std::string& StandIn(ValueKind kind, const std::string& value);
   // Gives value this stand-in unless it has one already.

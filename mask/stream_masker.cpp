@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "mask/stand_in_map.h"
 #include "mask/text_sniff.h"
 #include "mask/value_scanner.h"
 #include "mask/write_all.h"
@@ -43,14 +42,14 @@ size_t PieceEnd(const char* data, size_t size, bool final) {
 }
 
 // The piece with its values replaced, into out.
-bool MaskPiece(const char* data, size_t size, ValueScanner& scanner, StandInMap& map, std::string& out) {
+bool MaskPiece(const char* data, size_t size, ValueScanner& scanner, const StandInOf& standInOf, std::string& out) {
   static thread_local std::vector<ValueMatch> found;
   if (!scanner.Scan(data, size, found)) return false;
   out.clear();
   size_t copied = 0;
   for (const ValueMatch& match : found) {
     out.append(data + copied, match.from - copied);
-    out += map.StandIn(match.kind, std::string(data + match.from, match.to - match.from));
+    out += standInOf(match.kind, std::string(data + match.from, match.to - match.from));
     copied = match.to;
   }
   out.append(data + copied, size - copied);
@@ -60,7 +59,7 @@ bool MaskPiece(const char* data, size_t size, ValueScanner& scanner, StandInMap&
 }  // namespace
 
 MaskResult MaskFile(const std::filesystem::path& in, const std::filesystem::path& out, ValueScanner& scanner,
-                    StandInMap& map) {
+                    const StandInOf& standInOf) {
   const Fd source{open(in.c_str(), O_RDONLY | O_CLOEXEC)};
   const Fd target{open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600)};
   if (source.fd < 0 || target.fd < 0) return MaskResult::kFailed;
@@ -80,7 +79,7 @@ MaskResult MaskFile(const std::filesystem::path& in, const std::filesystem::path
     held += static_cast<size_t>(got);
     const size_t end = PieceEnd(buffer.data(), held, final);
     if (end == 0) continue;
-    if (!MaskPiece(buffer.data(), end, scanner, map, masked) || !WriteAll(target.fd, masked.data(), masked.size()))
+    if (!MaskPiece(buffer.data(), end, scanner, standInOf, masked) || !WriteAll(target.fd, masked.data(), masked.size()))
       return MaskResult::kFailed;
     std::copy(buffer.begin() + static_cast<long>(end), buffer.begin() + static_cast<long>(held), buffer.begin());
     held -= end;

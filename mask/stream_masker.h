@@ -2,9 +2,15 @@
 // Copies one file to another with every value replaced by its stand-in,
 // a piece at a time: memory stays at one buffer whatever the file's size.
 #include <filesystem>
+#include <functional>
+#include <string>
 
-class StandInMap;
+#include "mask/value_patterns.h"
+
 class ValueScanner;
+
+// The stand-in of a value found.
+using StandInOf = std::function<std::string(ValueKind, const std::string&)>;
 
 enum class MaskResult { kMasked, kBinary, kFailed };
 
@@ -16,4 +22,4 @@ inline constexpr size_t kMaskBufferBytes = 1u << 20;
 // kBinary as soon as a piece does not look like text; out is then incomplete
 // and the caller drops it.
 MaskResult MaskFile(const std::filesystem::path& in, const std::filesystem::path& out, ValueScanner& scanner,
-                    StandInMap& map);
+                    const StandInOf& standInOf);

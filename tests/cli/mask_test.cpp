@@ -6,9 +6,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
+#include <future>
 #include <string>
 
 #include "cli/cli_fixture.h"
+#include "mask/ordered_stand_ins.h"
 
 namespace {
 
@@ -138,6 +141,18 @@ TEST_F(Mask, RefusesOptionsWithoutMaskAndAnUnreadableMapOrWordFile) {
             0);
   EXPECT_EQ(RunAndCapture("tar -xzOf " + Out("w.tgz") + " kvlog.1"),
             "project word0001 and word0002\nword0003\nword0004\n");
+}
+
+// Members masked at once still number new values in member order.
+TEST(OrderedStandIns, ALaterMembersNewValueWaitsForEveryEarlierMember) {
+  StandInMap map;
+  OrderedStandIns standIns(map, 3);
+  auto later = std::async(std::launch::async, [&] { return standIns.StandIn(2, ValueKind::kHost, "late.example"); });
+  EXPECT_EQ(later.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  EXPECT_EQ(standIns.StandIn(0, ValueKind::kHost, "early.example"), "host0001.example");
+  standIns.Finished(1);
+  standIns.Finished(0);
+  EXPECT_EQ(later.get(), "host0002.example");
 }
 
 }  // namespace
