@@ -53,7 +53,7 @@ class Mask : public Cli {
               "</KeywardConfig>\n");
     // One line in two members and in the middle of a line longer than the read buffer.
     // In another order first in the other member, so that the stand-ins of the two can only agree through one map.
-    WriteFile(logs_ / "kvlog.1", Line() + "\n");
+    WriteFile(logs_ / "kvlog.1", "a line without values\n" + Line() + "\n");
     WriteFile(logs_ / "userActivitylog.latest", "first fe80::1c2b:3aff:fe4d:5e6f 10.20.30.40\n" + Line() + "\n");
     WriteFile(logs_ / "KeywardSvr.latest", Repeated(Line() + " ") + "\n");
     WriteFile(logs_ / "kvlog.2", std::string("\x1f\x8b\x08\0binary ", 12) + Line());
@@ -148,9 +148,9 @@ TEST(OrderedStandIns, ALaterMembersNewValueWaitsForEveryEarlierMember) {
   StandInMap map;
   OrderedStandIns standIns(map, 3);
   auto later = std::async(std::launch::async, [&] { return standIns.StandIn(2, ValueKind::kHost, "late.example"); });
+  standIns.Finished(1);
   EXPECT_EQ(later.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
   EXPECT_EQ(standIns.StandIn(0, ValueKind::kHost, "early.example"), "host0001.example");
-  standIns.Finished(1);
   standIns.Finished(0);
   EXPECT_EQ(later.get(), "host0002.example");
 }
