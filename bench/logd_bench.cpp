@@ -39,8 +39,14 @@ off_t FileSize(const std::string& path) {
 }
 
 // Waits (politely: logd needs the CPU) until the file has reached size.
-void WaitForSize(const std::string& path, off_t size) {
-  while (FileSize(path) < size) std::this_thread::sleep_for(std::chrono::microseconds(100));
+// False when the records have not all arrived within ten seconds.
+bool WaitForSize(const std::string& path, off_t size) {
+  const auto deadline = Clock::now() + std::chrono::seconds(10);
+  while (FileSize(path) < size) {
+    if (Clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+  }
+  return true;
 }
 
 void SendRecord() {
@@ -52,7 +58,7 @@ void BM_RecordsThroughLogd(benchmark::State& state) {
     const off_t target = FileSize(g_logFile) + kBatch * g_lineLength;
     const auto start = Clock::now();
     for (int i = 0; i < kBatch; ++i) SendRecord();
-    WaitForSize(g_logFile, target);
+    if (!WaitForSize(g_logFile, target)) state.SkipWithError("logd did not write every record");
     state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
   }
 }
@@ -83,8 +89,9 @@ BENCHMARK(BM_RecordsWrittenDirectly)->UseManualTime()->MinTime(kRunSeconds);
 pid_t StartLogd() {
   const pid_t pid = fork();
   if (pid == 0) {
-    // Batches are far beyond a client's default rate limit.
-    execl(LOGD_PATH, "logd", "--rate-burst", "0", static_cast<char*>(nullptr));
+    // Batches are far beyond a client's default rate limit, and a rotation
+    // would shrink the file that each batch waits to grow.
+    execl(LOGD_PATH, "logd", "--rate-burst", "0", "--max-size", "0", static_cast<char*>(nullptr));
     _exit(127);
   }
   const std::string socket = log_socket_path();
@@ -105,7 +112,7 @@ int main(int argc, char** argv) {
   log_set_tuning_a(1);
   g_logFile = client_log_file_path();
   SendRecord();
-  WaitForSize(g_logFile, 1);
+  if (!WaitForSize(g_logFile, 1)) return 1;
   g_lineLength = FileSize(g_logFile);
 
   benchmark::Initialize(&argc, argv);
