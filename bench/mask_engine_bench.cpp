@@ -1,7 +1,7 @@
 // The masker's matching engine, chosen by this measurement: the same value
-// patterns over the same generated client log, Hyperscan (one multi-pattern
-// database, as the masker uses it) against RE2 (one alternation of the
-// patterns, each in its own group). Also prints MB/s per core of each.
+// patterns over the same generated client log, Hyperscan (the masker's own
+// scanner) against RE2 (one alternation of the patterns, each in its own
+// group). Also prints MB/s per core of each.
 #include <benchmark/benchmark.h>
 #include <re2/re2.h>
 
