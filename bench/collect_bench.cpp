@@ -180,8 +180,11 @@ void BM_CliExistingMasked(benchmark::State& state) {
 // The masker alone on the archived logs, in processor time: MB/s per core.
 bool PrintMaskThroughput() {
   ArchiveMasker masker;
-  MaskSettings settings{Data().root.string(), Data().home.string(), {}, {}, Data().top / "throughput-map.json",
-                        Data().top / "scratch"};
+  MaskSettings settings;
+  settings.installRoot = Data().root.string();
+  settings.home = Data().home.string();
+  settings.mapFile = Data().top / "throughput-map.json";
+  settings.scratchParent = Data().top / "scratch";
   if (masker.Open(settings) != MaskOpenError::kNone) return false;
   App::FileList files = ArchivedFiles();
   const std::clock_t start = std::clock();

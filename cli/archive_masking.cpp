@@ -2,6 +2,7 @@
 
 #include "app/i18n.h"
 #include "cli/failure.h"
+#include "host/client_version.h"
 
 namespace fs = std::filesystem;
 
@@ -56,6 +57,9 @@ bool OpenArchiveMasker(const App& app, const MaskOptions& options, ArchiveMasker
   settings.installRoot = app.installRoot.string();
   settings.home = app.homeFolder.string();
   settings.words = options.words;
+  // Four dotted numbers, like an address, and the first thing support reads.
+  if (const std::string version = ToNarrowString(GetClientVersion()); !version.empty())
+    settings.keep.push_back(version);
   settings.wordFile = options.wordFile;
   settings.mapFile = MapFileOf(app, options);
   settings.scratchParent = app.homeFolder / ".ORBClient/.tmp";

@@ -3,6 +3,7 @@
 #include <sched.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <system_error>
@@ -50,6 +51,7 @@ MaskOpenError ArchiveMasker::Open(const MaskSettings& settings) {
   std::vector<std::string> words = settings.words;
   if (!settings.wordFile.empty() && !ReadWordFile(settings.wordFile, words)) return MaskOpenError::kWordFile;
   mapFile_ = settings.mapFile;
+  keep_ = settings.keep;
   if (!map_.Load(mapFile_)) return MaskOpenError::kMap;
   const LocalValues values = GatherLocalValues(settings.installRoot, settings.home, std::move(words));
   if (!scanner_.Compile(BuildValuePatterns(values), patternError_)) return MaskOpenError::kPatterns;
@@ -75,14 +77,18 @@ std::vector<ArchiveMasker::Member> ArchiveMasker::Members(const std::vector<fs::
   return members;
 }
 
+bool ArchiveMasker::Kept(const std::string& value) const {
+  return std::find(keep_.begin(), keep_.end(), value) != keep_.end();
+}
+
 // On every processor at once: one scanner each, one shared map.
 void ArchiveMasker::MaskMembers(std::vector<Member>& members) {
   OrderedStandIns standIns(map_, members.size());
   std::atomic<size_t> next{0};
   const auto work = [&](ValueScanner& scanner) {
     for (size_t i = next++; i < members.size(); i = next++) {
-      const StandInOf standInOf = [&standIns, i](ValueKind kind, const std::string& value) {
-        return standIns.StandIn(i, kind, value);
+      const StandInOf standInOf = [this, &standIns, i](ValueKind kind, const std::string& value) {
+        return Kept(value) ? value : standIns.StandIn(i, kind, value);
       };
       Member& member = members[i];
       member.result = SameFile(member.file, mapFile_) ? MaskResult::kFailed

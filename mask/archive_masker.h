@@ -14,6 +14,7 @@ struct MaskSettings {
   std::string installRoot;
   std::string home;
   std::vector<std::string> words;    // --mask-word
+  std::vector<std::string> keep;     // of an address's shape, but what support must read
   std::filesystem::path wordFile;    // --mask-file, empty for none
   std::filesystem::path mapFile;     // the stand-ins kept across runs
   std::filesystem::path scratchParent;
@@ -46,11 +47,13 @@ class ArchiveMasker {
     MaskResult result;
   };
   std::vector<Member> Members(const std::vector<std::filesystem::path>& files) const;
+  bool Kept(const std::string& value) const;
   void MaskMembers(std::vector<Member>& members);
 
   ValueScanner scanner_;
   StandInMap map_;
   std::filesystem::path mapFile_;
+  std::vector<std::string> keep_;
   std::filesystem::path scratch_;
   std::string patternError_;
 };

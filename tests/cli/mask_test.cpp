@@ -11,6 +11,7 @@
 #include <string>
 
 #include "cli/cli_fixture.h"
+#include "host/install_root.h"
 #include "mask/ordered_stand_ins.h"
 
 namespace {
@@ -51,6 +52,7 @@ class Mask : public Cli {
     WriteFile(root_ / "config/KeywardConfig.xml",
               "<KeywardConfig>\n  <Server name=\"main\" address=\"broker.corp.example\" port=\"4443\"/>\n"
               "</KeywardConfig>\n");
+    WriteFile(root_ / ("pkginf/Ver.core." + PlatformFolderName()), "VERSION=23.9.0.1\n");
     // One line in two members and in the middle of a line longer than the read buffer.
     // In another order first in the other member, so that the stand-ins of the two can only agree through one map.
     WriteFile(logs_ / "kvlog.1", "a line without values\n" + Line() + "\n");
@@ -105,6 +107,7 @@ TEST_F(Mask, EveryPlantedValueBecomesOneStandInInEveryMemberAndRunAndBinariesSta
   EXPECT_EQ(MaskedLine(first / "userActivitylog.latest"), line);
   EXPECT_TRUE(ReadFile(first / "KeywardSvr.latest") == Repeated(line + " ") + "\n") << "a value cut in the long line";
   EXPECT_EQ(everything.find("broker"), std::string::npos) << "the configuration (ORBClient.log) is masked too";
+  EXPECT_NE(ReadFile(first / "UserSystemInfo.txt").find("Installed: 23.9.0.1"), std::string::npos) << "not an address";
 
   const fs::path map = home_ / ".ORBClient/mask-map.json";
   struct stat status {};
