@@ -97,12 +97,10 @@ const std::string* StandInMap::Find(ValueKind kind, const std::string& value) co
 }
 
 const std::string& StandInMap::StandIn(ValueKind kind, const std::string& value) {
+  if (const std::string* known = Find(kind, value)) return *known;
   auto& ofKind = values_[KindName(kind)];
-  const std::string key = Key(kind, value);
-  const auto known = ofKind.find(key);
-  if (known != ofKind.end()) return known->second;
   std::string standIn = MakeStandIn(kind, ofKind.size() + 1);
-  return ofKind[key] = std::move(standIn);
+  return ofKind[Key(kind, value)] = std::move(standIn);
 }
 
 void StandInMap::Settle(ValueKind kind, const std::string& value, const std::string& standIn) {
